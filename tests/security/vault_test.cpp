@@ -1,0 +1,170 @@
+#include "security/vault.hpp"
+#include "support/fresh_process.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+namespace vault = perchftp::security;
+
+std::string secretOf(std::string const& key)
+{
+    auto const credentials = vault::readCredential(key);
+    return credentials ? credentials->secret : "<none>";
+}
+
+TEST(VaultBeforeInitialize, RefusesEverythingButRemoveAndClear)
+{
+    EXPECT_IN_FRESH_PROCESS({
+        CHILD_CHECK(vault::isLocked());
+        CHILD_CHECK(!vault::lock());
+        CHILD_CHECK(!vault::unlock(""));
+        CHILD_CHECK(!vault::unlock("any"));
+        CHILD_CHECK(!vault::storeCredential("k", "u", "s"));
+        CHILD_CHECK(!vault::readCredential("k"));
+        CHILD_CHECK(!vault::rotateCredentialKey("", "new"));
+        CHILD_CHECK(!vault::removeCredential("k"));
+        vault::clear();
+        CHILD_CHECK(vault::isLocked());
+    });
+}
+
+TEST(VaultBeforeInitialize, ClearThenInitializeStartsOpen)
+{
+    EXPECT_IN_FRESH_PROCESS({
+        vault::clear();
+        CHILD_CHECK(vault::initialize(""));
+        CHILD_CHECK(!vault::isLocked());
+    });
+}
+
+TEST(VaultLocking, AKeyedVaultStartsLockedAndOpensOnlyWithItsKey)
+{
+    ASSERT_TRUE(vault::initialize("abcd"));
+    EXPECT_TRUE(vault::isLocked());
+    EXPECT_FALSE(vault::storeCredential("k", "u", "s"));
+    EXPECT_FALSE(vault::unlock("abc"));
+    EXPECT_FALSE(vault::unlock(""));
+    EXPECT_TRUE(vault::isLocked());
+    EXPECT_TRUE(vault::unlock("abcd"));
+    EXPECT_FALSE(vault::isLocked());
+    EXPECT_TRUE(vault::storeCredential("k", "u", "s"));
+}
+
+TEST(VaultLocking, AnEmptyKeyVaultLocksAndAnyCandidateOpensIt)
+{
+    ASSERT_TRUE(vault::initialize(""));
+    EXPECT_FALSE(vault::isLocked());
+    EXPECT_TRUE(vault::lock());
+    EXPECT_TRUE(vault::isLocked());
+    EXPECT_FALSE(vault::readCredential("k"));
+    EXPECT_TRUE(vault::unlock("whatever"));
+    EXPECT_FALSE(vault::isLocked());
+}
+
+TEST(VaultSecrets, ComeBackRepeatedOrCutToTheKeysSize)
+{
+    ASSERT_TRUE(vault::initialize("abcd"));
+    ASSERT_TRUE(vault::unlock("abcd"));
+    ASSERT_TRUE(vault::storeCredential("same", "ann", "wxyz"));
+    ASSERT_TRUE(vault::storeCredential("short", "bob", "xy"));
+    ASSERT_TRUE(vault::storeCredential("long", "cy", "1234567"));
+    EXPECT_EQ(secretOf("same"), "wxyz");
+    EXPECT_EQ(secretOf("short"), "xyxy");
+    EXPECT_EQ(secretOf("long"), "1234");
+    EXPECT_EQ(vault::readCredential("short")->user, "bob");
+}
+
+TEST(VaultSecrets, AnEmptyKeyStoresNothingOfTheSecret)
+{
+    ASSERT_TRUE(vault::initialize(""));
+    ASSERT_TRUE(vault::storeCredential("k", "user", "secret"));
+    auto const credentials = vault::readCredential("k");
+    ASSERT_TRUE(credentials);
+    EXPECT_EQ(credentials->user, "user");
+    EXPECT_EQ(credentials->secret, "");
+}
+
+TEST(VaultSecrets, RefusesEmptyArgumentsAndKeepsTheLastStore)
+{
+    ASSERT_TRUE(vault::initialize(""));
+    EXPECT_FALSE(vault::storeCredential("", "u", "s"));
+    EXPECT_FALSE(vault::storeCredential("k", "", "s"));
+    EXPECT_FALSE(vault::storeCredential("k", "u", ""));
+    EXPECT_FALSE(vault::readCredential("k"));
+    ASSERT_TRUE(vault::storeCredential("k", "first", "s"));
+    ASSERT_TRUE(vault::storeCredential("k", "second", "s"));
+    EXPECT_EQ(vault::readCredential("k")->user, "second");
+}
+
+TEST(VaultEntries, RemoveIgnoresTheLockAndReportsWhetherAnythingWent)
+{
+    ASSERT_TRUE(vault::initialize(""));
+    ASSERT_TRUE(vault::storeCredential("k", "u", "s"));
+    ASSERT_TRUE(vault::lock());
+    EXPECT_TRUE(vault::removeCredential("k"));
+    EXPECT_FALSE(vault::removeCredential("k"));
+}
+
+TEST(VaultEntries, ClearWorksWhileLockedAndInitializeStartsOver)
+{
+    ASSERT_TRUE(vault::initialize(""));
+    ASSERT_TRUE(vault::storeCredential("a", "u", "s"));
+    ASSERT_TRUE(vault::lock());
+    vault::clear();
+    ASSERT_TRUE(vault::unlock(""));
+    EXPECT_FALSE(vault::readCredential("a"));
+
+    ASSERT_TRUE(vault::storeCredential("b", "u", "s"));
+    ASSERT_TRUE(vault::initialize(""));
+    EXPECT_FALSE(vault::readCredential("b"));
+}
+
+TEST(VaultRotation, RefusesAWrongOldKeyOrALockedVaultAndChangesNothing)
+{
+    ASSERT_TRUE(vault::initialize("abcd"));
+    EXPECT_FALSE(vault::rotateCredentialKey("abcd", "wxyz")) << "locked";
+    ASSERT_TRUE(vault::unlock("abcd"));
+    ASSERT_TRUE(vault::storeCredential("k", "u", "pq"));
+    EXPECT_FALSE(vault::rotateCredentialKey("wrong", "wxyz"));
+    EXPECT_EQ(secretOf("k"), "pqpq");
+    ASSERT_TRUE(vault::lock());
+    EXPECT_FALSE(vault::rotateCredentialKey("abcd", "wxyz"));
+    EXPECT_FALSE(vault::unlock("wxyz"));
+}
+
+TEST(VaultRotation, ReKeysSecretsUnderTheSizeRuleAndLeavesTheVaultOpen)
+{
+    ASSERT_TRUE(vault::initialize("abcd"));
+    ASSERT_TRUE(vault::unlock("abcd"));
+    ASSERT_TRUE(vault::storeCredential("k", "u", "wxyz"));
+    ASSERT_TRUE(vault::rotateCredentialKey("abcd", "12345678"));
+    EXPECT_FALSE(vault::isLocked());
+    EXPECT_EQ(secretOf("k"), "wxyzwxyz");
+    ASSERT_TRUE(vault::rotateCredentialKey("12345678", "12"));
+    EXPECT_EQ(secretOf("k"), "wx") << "a shorter key cuts stored secrets for good";
+    ASSERT_TRUE(vault::rotateCredentialKey("12", "abcd"));
+    EXPECT_EQ(secretOf("k"), "wxwx");
+    EXPECT_FALSE(vault::unlock("zz"));
+    EXPECT_TRUE(vault::unlock("abcd"));
+}
+
+TEST(VaultRotation, ToAndFromAnEmptyKey)
+{
+    ASSERT_TRUE(vault::initialize("abcd"));
+    ASSERT_TRUE(vault::unlock("abcd"));
+    ASSERT_TRUE(vault::storeCredential("k", "u", "wxyz"));
+    // To the empty key: the old key combined with the stored value gives back the secret, and
+    // combining the empty new key with it leaves the empty key: the secret is gone.
+    ASSERT_TRUE(vault::rotateCredentialKey("abcd", ""));
+    EXPECT_EQ(secretOf("k"), "");
+    // Any candidate opens a vault without a key.
+    ASSERT_TRUE(vault::lock());
+    EXPECT_TRUE(vault::unlock("anything"));
+    // From the empty key: the stored secret is empty, an empty pad returns the new key unchanged,
+    // so the entry now holds the key itself and reads back as the key combined with itself.
+    ASSERT_TRUE(vault::rotateCredentialKey("", "key"));
+    EXPECT_EQ(secretOf("k"), std::string(3, '\0'));
+}
+
+} // namespace
