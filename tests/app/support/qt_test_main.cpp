@@ -1,0 +1,42 @@
+#include <QApplication>
+#include <QByteArray>
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace {
+
+// Everything a shell test could write lands in one temporary folder, never in the user's own.
+void isolateUserFolders(QTemporaryDir const& root)
+{
+    auto const place = [&](char const* variable, char const* folder) {
+        QByteArray const path = (root.path() + "/" + folder).toUtf8();
+        QDir().mkpath(QString::fromUtf8(path));
+        ::setenv(variable, path.constData(), 1);
+    };
+    place("HOME", "home");
+    place("XDG_DATA_HOME", "data");
+    place("XDG_CONFIG_HOME", "config");
+    place("XDG_CACHE_HOME", "cache");
+    if (!std::getenv("PERCHFTP_INSTALL_TRACKING_URL")) {
+        ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "http://127.0.0.1:9/api/install-events.php", 1);
+    }
+    if (!std::getenv("QT_QPA_PLATFORM")) {
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QTemporaryDir root;
+    isolateUserFolders(root);
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}
