@@ -1,0 +1,87 @@
+#include "app/status/connect_button.hpp"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPropertyAnimation>
+#include <QSequentialAnimationGroup>
+#include <QStyleOptionButton>
+#include <QStylePainter>
+
+namespace perchftp::app {
+
+namespace {
+
+constexpr qreal kBorderWidth = 1.5;
+constexpr qreal kCornerRadius = 8.0;
+constexpr int kPulseHalfMs = 850;
+
+QPropertyAnimation* alphaRamp(QObject* target, qreal from, qreal to)
+{
+    auto* ramp = new QPropertyAnimation(target, "borderAlpha");
+    ramp->setStartValue(from);
+    ramp->setEndValue(to);
+    ramp->setDuration(kPulseHalfMs);
+    ramp->setEasingCurve(QEasingCurve::InOutQuad);
+    return ramp;
+}
+
+} // namespace
+
+PerchConnectButton::PerchConnectButton(QString const& title, QWidget* parent)
+    : QPushButton(title, parent)
+{
+    setMinimumHeight(30);
+}
+
+void PerchConnectButton::setPrimaryColor(QColor const& color)
+{
+    primaryColor_ = color;
+    update();
+}
+
+void PerchConnectButton::restartPulse(QColor const& color)
+{
+    if (pulse_) {
+        pulse_->stop();
+        delete pulse_;
+    }
+    pulseColor_ = color;
+    auto* group = new QSequentialAnimationGroup(this);
+    group->setObjectName(QString::fromLatin1(kPulseName));
+    group->addAnimation(alphaRamp(this, 0.35, 0.95));
+    group->addAnimation(alphaRamp(this, 0.95, 0.35));
+    group->setLoopCount(-1);
+    pulse_ = group;
+    group->start();
+}
+
+void PerchConnectButton::setBorderAlpha(qreal alpha)
+{
+    borderAlpha_ = alpha;
+    update();
+}
+
+void PerchConnectButton::paintEvent(QPaintEvent*)
+{
+    QStylePainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QRectF const frame = QRectF(rect()).adjusted(kBorderWidth, kBorderWidth, -kBorderWidth, -kBorderWidth);
+    QPainterPath path;
+    path.addRoundedRect(frame, kCornerRadius, kCornerRadius);
+
+    QColor fill = primaryColor_.isValid() ? primaryColor_ : palette().color(QPalette::Button);
+    fill.setAlphaF(isEnabled() ? (isDown() ? 0.55 : (underMouse() ? 0.42 : 0.32)) : 0.15);
+    painter.fillPath(path, fill);
+
+    QColor border = pulseColor_.isValid() ? pulseColor_ : fill;
+    border.setAlphaF(borderAlpha_);
+    painter.setPen(QPen(border, kBorderWidth));
+    painter.drawPath(path);
+
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.palette.setColor(QPalette::ButtonText, Qt::white);
+    painter.drawControl(QStyle::CE_PushButtonLabel, option);
+}
+
+} // namespace perchftp::app
