@@ -73,6 +73,16 @@ std::vector<SiteProfile> copiesWhere(std::vector<SiteProfile> const& sites, Pred
     return found;
 }
 
+template <typename Change>
+bool changeIfFound(SiteProfile* site, Change change)
+{
+    if (!site) {
+        return false;
+    }
+    change(*site);
+    return true;
+}
+
 } // namespace
 
 SiteManager::SiteManager(Snapshot snapshot)
@@ -133,38 +143,22 @@ SiteProfile const* SiteManager::findSite(int id) const
 
 bool SiteManager::setActive(int id, bool active)
 {
-    auto* const site = findSite(id);
-    if (site) {
-        site->status = active ? 1 : 2;
-    }
-    return site != nullptr;
+    return changeIfFound(findSite(id), [active](SiteProfile& site) { site.status = active ? 1 : 2; });
 }
 
 bool SiteManager::setFavorite(int id, bool favorite)
 {
-    auto* const site = findSite(id);
-    if (site) {
-        site->favorite = favorite;
-    }
-    return site != nullptr;
+    return changeIfFound(findSite(id), [favorite](SiteProfile& site) { site.favorite = favorite; });
 }
 
 bool SiteManager::setQuickConnect(int id, bool quickConnect)
 {
-    auto* const site = findSite(id);
-    if (site) {
-        site->quickConnect = quickConnect;
-    }
-    return site != nullptr;
+    return changeIfFound(findSite(id), [quickConnect](SiteProfile& site) { site.quickConnect = quickConnect; });
 }
 
 bool SiteManager::setAutoConnect(int id, bool autoConnect)
 {
-    auto* const site = findSite(id);
-    if (site) {
-        site->autoConnect = autoConnect;
-    }
-    return site != nullptr;
+    return changeIfFound(findSite(id), [autoConnect](SiteProfile& site) { site.autoConnect = autoConnect; });
 }
 
 std::int32_t SiteManager::cloneSite(int id, std::string const& label)
