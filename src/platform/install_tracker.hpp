@@ -21,6 +21,11 @@ struct InstallTrackerConfig {
     std::chrono::hours heartbeatInterval{72};
 };
 
+// What the program gives the tracker at start-up: the endpoint from PERCHFTP_INSTALL_TRACKING_URL
+// (the default endpoint when that is unset or empty), the source from PERCHFTP_INSTALL_SOURCE,
+// platform "linux" and a heartbeat every 72 hours.
+InstallTrackerConfig installTrackerConfigFromEnvironment(std::string statePath, std::string appVersion);
+
 class InstallTracker {
 public:
     struct State {
