@@ -58,8 +58,40 @@ QString FolderTree::makeFile(QString const& relative, QByteArray const& content)
     return path(relative);
 }
 
+namespace {
+
+QtMessageHandler nextMessageHandler = nullptr;
+
+// The offscreen platform says on every shown window that it cannot pass size hints on.
+void quietOffscreenNotes(QtMsgType type, QMessageLogContext const& context, QString const& message)
+{
+    QtMessageHandler const next = nextMessageHandler;
+    if (message.contains(QStringLiteral("does not support propagateSizeHints"))) {
+        return;
+    }
+    if (next != nullptr) {
+        next(type, context, message);
+    }
+}
+
+} // namespace
+
+void doubleClick(QWidget* widget, QPoint const& position)
+{
+    QTest::mousePress(widget, Qt::LeftButton, {}, position);
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, position);
+    QTest::mousePress(widget, Qt::LeftButton, {}, position);
+    QTest::mouseDClick(widget, Qt::LeftButton, {}, position);
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, position);
+}
+
 void PaneFixture::makePane(bool isRemote)
 {
+    static bool const quieted = [] {
+        nextMessageHandler = qInstallMessageHandler(quietOffscreenNotes);
+        return true;
+    }();
+    (void)quieted;
     pane = std::make_unique<PerchFilePaneController>(isRemote ? QStringLiteral("Remote") : QStringLiteral("Local"),
                                                      isRemote);
     pane->setDelegate(&delegate);

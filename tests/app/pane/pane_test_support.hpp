@@ -11,9 +11,16 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <memory>
 
 class QMenu;
+
+// Readable QString values in assertion messages.
+inline void PrintTo(QString const& text, std::ostream* out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
 
 namespace perchftp::app::testing {
 
@@ -33,6 +40,9 @@ public:
 private:
     QTemporaryDir m_root;
 };
+
+// A double click as a desktop delivers it to a widget: press, release, press, double click, release.
+void doubleClick(QWidget* widget, QPoint const& position);
 
 // One shown pane with a recording delegate and the model checked by QAbstractItemModelTester.
 class PaneFixture : public ::testing::Test {
