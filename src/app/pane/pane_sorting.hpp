@@ -16,6 +16,10 @@ struct PaneSortDescriptor {
     friend bool operator==(PaneSortDescriptor const&, PaneSortDescriptor const&) = default;
 };
 
+// The order of rows under the descriptors: element i is the row that goes to place i. Rows equal
+// under every descriptor keep their relative order.
+QList<int> paneSortOrder(PaneEntries const& entries, QList<PaneSortDescriptor> const& descriptors);
+
 // Sorts rows by the descriptors, the first one primary. Texts compare case-insensitively by the
 // user's locale, sizes as numbers. Rows equal under every descriptor keep their relative order; an
 // unknown key compares everything equal.

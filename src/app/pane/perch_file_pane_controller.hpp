@@ -140,7 +140,7 @@ private:
     void reloadRows(PaneEntries entries);
     bool isActingRowValid(int row) const;
     PaneEntry const* entryAt(int row) const;
-    void transferItems(PaneEntries const& items);
+    void requestTransfer(PaneEntry const& entry);
     QString chooseFolder(QString const& startFolder);
 
     bool m_isRemote;
@@ -159,12 +159,12 @@ private:
     PerchPathFieldClickMonitor* m_pathFieldClickMonitor = nullptr;
     QMetaObject::Connection m_openFolderConnection;
     QString m_currentPath;
+    QString m_listedPath; // the folder whose rows the table shows, for keeping a selection on reload
     QList<PaneSortDescriptor> m_sortDescriptors;
     PerchFilePaneControllerDelegate* m_delegate = nullptr;
     ShellDialogs* m_dialogs = nullptr;
     int m_clickedRow = -1;
     bool m_reportingSelection = true;
-    QString m_reportedSelection;
 };
 
 template <typename Receiver, typename Slot>

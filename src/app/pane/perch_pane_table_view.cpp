@@ -1,0 +1,106 @@
+#include "app/pane/perch_pane_table_view.hpp"
+
+#include "app/pane/perch_file_pane_controller.hpp"
+#include "app/pane/perch_pane_row_view.hpp"
+
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace perchftp::app {
+
+namespace {
+
+// The panes offer copies only: a drop never takes the user's files away from where they were.
+template <typename DropEvent>
+void proposeCopy(DropEvent* event)
+{
+    if (event->possibleActions() & Qt::CopyAction) {
+        event->setDropAction(Qt::CopyAction);
+    }
+}
+
+} // namespace
+
+void PerchPaneCellDelegate::initStyleOption(QStyleOptionViewItem* option, QModelIndex const& index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->state &= ~(QStyle::State_Selected | QStyle::State_HasFocus);
+}
+
+PerchPaneTableView::PerchPaneTableView(QWidget* parent) : QTableView(parent)
+{
+    setItemDelegate(new PerchPaneCellDelegate(this));
+}
+
+void PerchPaneTableView::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::RightButton && selectionModel() != nullptr) {
+        int const row = rowAt(event->position().toPoint().y());
+        if (row >= 0 && !selectionModel()->isRowSelected(row, QModelIndex())) {
+            selectionModel()->setCurrentIndex(model()->index(row, 0),
+                                              QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        }
+    }
+    QTableView::mousePressEvent(event);
+}
+
+void PerchPaneTableView::contextMenuEvent(QContextMenuEvent* event)
+{
+    int row = rowAt(event->pos().y());
+    if (event->reason() == QContextMenuEvent::Keyboard && currentIndex().isValid()) {
+        row = currentIndex().row();
+    }
+    emit contextMenuRequestedForRow(row, event->globalPos());
+    event->accept();
+}
+
+void PerchPaneTableView::paintEvent(QPaintEvent* event)
+{
+    paintRows(event->rect());
+    QTableView::paintEvent(event);
+}
+
+void PerchPaneTableView::paintRows(QRect const& area)
+{
+    if (model() == nullptr || model()->rowCount() == 0) {
+        return;
+    }
+    int const firstRow = std::max(rowAt(area.top()), 0);
+    int lastRow = rowAt(area.bottom());
+    if (lastRow < 0) {
+        lastRow = model()->rowCount() - 1;
+    }
+    QPainter painter(viewport());
+    for (int row = firstRow; row <= lastRow; ++row) {
+        QRect const bounds(0, rowViewportPosition(row), viewport()->width(), rowHeight(row));
+        PerchPaneRowView const rowView(row);
+        rowView.drawBackground(painter, bounds);
+        if (selectionModel() != nullptr && selectionModel()->isRowSelected(row, QModelIndex())) {
+            rowView.drawSelection(painter, bounds);
+        }
+    }
+}
+
+void PerchPaneTableView::dragEnterEvent(QDragEnterEvent* event)
+{
+    proposeCopy(event);
+    QTableView::dragEnterEvent(event);
+}
+
+void PerchPaneTableView::dragMoveEvent(QDragMoveEvent* event)
+{
+    proposeCopy(event);
+    QTableView::dragMoveEvent(event);
+}
+
+void PerchPaneTableView::dropEvent(QDropEvent* event)
+{
+    proposeCopy(event);
+    QTableView::dropEvent(event);
+}
+
+} // namespace perchftp::app
