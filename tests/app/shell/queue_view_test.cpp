@@ -1,5 +1,5 @@
 #include "app/queue/queue_table_model.hpp"
-#include "started_shell.hpp"
+#include "support/started_shell.hpp"
 
 #include <gtest/gtest.h>
 

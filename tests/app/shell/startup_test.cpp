@@ -1,9 +1,10 @@
 #include "app/licence_gate.hpp"
 #include "app/pane/perch_file_pane_controller.hpp"
+#include "app/status/connect_button.hpp"
 #include "app/shell_startup.hpp"
-#include "isolated_user_folders.hpp"
-#include "scripted_shell_dialogs.hpp"
-#include "started_shell.hpp"
+#include "support/isolated_user_folders.hpp"
+#include "support/scripted_shell_dialogs.hpp"
+#include "support/started_shell.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>

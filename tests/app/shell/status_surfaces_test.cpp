@@ -4,8 +4,8 @@
 #include "app/status/status_banner.hpp"
 #include "app/status/status_popup.hpp"
 #include "app/status/system_colours.hpp"
-#include "scripted_session.hpp"
-#include "started_shell.hpp"
+#include "support/scripted_session.hpp"
+#include "support/started_shell.hpp"
 
 #include <gtest/gtest.h>
 

@@ -32,8 +32,8 @@ int ScriptedShellDialogs::runAlert(QWidget*, app::AlertRequest const& request)
 std::optional<QString> ScriptedShellDialogs::askForText(QWidget*, QString const& title, QString const& message,
     QString const& value, QString const& placeholder, QIcon const&)
 {
-    return next<std::optional<QString>>({QStringLiteral("text"), title, message, {value, placeholder}})
-        .value_or(std::nullopt);
+    auto const answer = next<TextAnswer>({QStringLiteral("text"), title, message, {value, placeholder}});
+    return answer && answer->given ? std::optional<QString>(answer->text) : std::nullopt;
 }
 
 app::SavedConnectionAnswer ScriptedShellDialogs::chooseSavedConnection(QWidget*, QStringList const& rows, QIcon const&)
@@ -44,7 +44,8 @@ app::SavedConnectionAnswer ScriptedShellDialogs::chooseSavedConnection(QWidget*,
 
 std::optional<QString> ScriptedShellDialogs::editBugReport(QWidget*, QString const& templateText, QIcon const&)
 {
-    return next<std::optional<QString>>({QStringLiteral("bugReport"), {}, templateText, {}}).value_or(std::nullopt);
+    auto const answer = next<TextAnswer>({QStringLiteral("bugReport"), {}, templateText, {}});
+    return answer && answer->given ? std::optional<QString>(answer->text) : std::nullopt;
 }
 
 bool ScriptedShellDialogs::acceptLicence(QString const& licenceText, QIcon const&)

@@ -22,11 +22,17 @@ public:
         QStringList options;
     };
 
-    using Answer = std::variant<QString, int, std::optional<QString>, app::SavedConnectionAnswer, bool>;
+    // The text typed into a prompt, or no text when the prompt was cancelled.
+    struct TextAnswer {
+        bool given = false;
+        QString text;
+    };
+
+    using Answer = std::variant<QString, int, TextAnswer, app::SavedConnectionAnswer, bool>;
 
     void expectFolder(QString folder) { answers_.push_back(std::move(folder)); }
     void expectAlertButton(int result) { answers_.push_back(result); }
-    void expectText(std::optional<QString> text) { answers_.push_back(std::move(text)); }
+    void expectText(std::optional<QString> text) { answers_.push_back(TextAnswer{text.has_value(), text.value_or(QString())}); }
     void expectSavedConnection(app::SavedConnectionAnswer answer) { answers_.push_back(answer); }
     void expectLicence(bool accepted) { answers_.push_back(accepted); }
 
