@@ -27,6 +27,8 @@ bool displayIsNamed()
 
 int run_desktop_shell()
 {
+    // What main printed must reach a pipe even if the toolkit aborts below.
+    std::cout.flush();
     if (!displayIsNamed()) {
         std::cerr << "PerchFtp: no display to show the desktop shell on (DISPLAY and WAYLAND_DISPLAY are unset).\n";
         return 1;

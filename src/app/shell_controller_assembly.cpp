@@ -70,6 +70,24 @@ QLabel* heading(QString const& text)
     return label;
 }
 
+// A hidden window defers its resize events, so neither its layouts nor its splitters have
+// placed their children for the window's real size yet; place them from the top down.
+void layOutSubtree(QWidget* widget)
+{
+    if (QLayout* layout = widget->layout()) {
+        layout->activate();
+        layout->setGeometry(widget->rect());
+    }
+    if (auto* splitter = qobject_cast<QSplitter*>(widget)) {
+        splitter->refresh();
+    }
+    for (QWidget* child : widget->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        if (!child->isWindow()) {
+            layOutSubtree(child);
+        }
+    }
+}
+
 void centreOnScreen(QWidget* window)
 {
     if (QScreen* screen = QGuiApplication::primaryScreen()) {
@@ -282,8 +300,9 @@ QWidget* PerchFtpShellController::buildQueuePanel()
     split->setChildrenCollapsible(false);
     split->addWidget(queueTable_);
     split->addWidget(logColumn);
-    split->setStretchFactor(0, 3);
-    split->setStretchFactor(1, 2);
+    split->setStretchFactor(0, 2);
+    split->setStretchFactor(1, 1);
+    split->setSizes({2 * kWindowWidth / 3, kWindowWidth / 3});
     layout->addWidget(split, 1);
     return panel;
 }
@@ -329,7 +348,8 @@ void PerchFtpShellController::wireControls()
     }
 }
 
-// Runs once the event loop turns: the first pane gets 10 pixels more than its laid-out width.
+// Runs once the event loop turns. The panes share the width equally, as their equal holding
+// priorities ask, and then the first one gets 10 pixels more than its laid-out width.
 void PerchFtpShellController::scheduleDividerPlacement()
 {
     QPointer<PerchPaneSplitView> split = paneSplitView_;
@@ -337,9 +357,12 @@ void PerchFtpShellController::scheduleDividerPlacement()
         if (!split || split->count() < 2) {
             return;
         }
-        if (QWidget* window = split->window(); window && window->layout()) {
-            window->layout()->activate();
-        }
+        layOutSubtree(split->window());
+        QList<int> sizes = split->sizes();
+        int const total = split->width() - split->handleWidth() * (split->count() - 1);
+        sizes[0] = total / 2;
+        sizes[1] = total - sizes[0];
+        split->setSizes(sizes);
         split->setPositionOfDivider(split->widget(0)->width() + 10, 0);
     });
 }

@@ -60,7 +60,6 @@ QVariant PerchQueueTableDataSource::data(QModelIndex const& index, int role) con
     }
     if (role == Qt::FontRole && index.column() != ProgressColumn) {
         QFont font;
-        font.setPointSize(11);
         font.setWeight(QFont::Medium);
         return font;
     }

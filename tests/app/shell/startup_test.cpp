@@ -1,5 +1,6 @@
 #include "app/licence_gate.hpp"
 #include "app/pane/perch_file_pane_controller.hpp"
+#include "app/pane/perch_pane_split_view.hpp"
 #include "app/status/connect_button.hpp"
 #include "app/shell_startup.hpp"
 #include "support/isolated_user_folders.hpp"
@@ -221,6 +222,19 @@ TEST_F(StartUp, TheMainWindowStartsWithItsAreasAndControlsInTheirFirstState)
     EXPECT_FALSE(controller().downloadButton()->isEnabled());
     ASSERT_NE(controller().queueLog(), nullptr);
     EXPECT_TRUE(controller().queueLog()->isReadOnly());
+}
+
+TEST_F(StartUp, OnceTheLoopTurnsTheDividerGivesTheLocalPaneTenPixelsMore)
+{
+    startShell();
+    app::PerchPaneSplitView* split = controller().paneSplitView();
+    ASSERT_TRUE(waitUntil([&] { return split->sizes().value(0) > 0 && split->width() > 1000; }));
+    QList<int> const sizes = split->sizes();
+    EXPECT_EQ(sizes[0] + sizes[1], split->width() - 40) << "the lane between the panes is 40 wide";
+    EXPECT_NEAR(sizes[0] - (sizes[0] + sizes[1]) / 2, 10, 1);
+
+    ASSERT_TRUE(waitUntil([&] { return controller().hostWindow()->isVisible(); }, 4000));
+    EXPECT_EQ(split->sizes(), sizes) << "showing the window keeps the placement";
 }
 
 TEST_F(StartUp, TheMenuBarHoldsEveryItemWithItsKey)
