@@ -188,7 +188,6 @@ private:
     bool rememberTransferConflictDecision_ = false;
     bool replaceOnTransferConflict_ = false;
     QString baseFolder_;
-    QIcon windowIcon_;
 
     PerchFilePaneController* localPane_ = nullptr;
     PerchFilePaneController* remotePane_ = nullptr;

@@ -101,7 +101,6 @@ void centreOnScreen(QWidget* window)
 
 void PerchFtpShellController::createMainWindow(QIcon const& icon)
 {
-    windowIcon_ = icon;
     auto* window = new PerchMainWindow;
     window->setObjectName(QStringLiteral("mainWindow"));
     window->setWindowTitle(QStringLiteral("PerchFtp"));

@@ -28,11 +28,6 @@ std::string environmentText(char const* name)
     return value ? std::string(value) : std::string();
 }
 
-std::size_t profileCount(storage::Snapshot const& snapshot)
-{
-    return snapshot.profiles.size();
-}
-
 } // namespace
 
 PerchFtpShellController::PerchFtpShellController(std::unique_ptr<ShellDialogs> dialogs, QObject* parent)
@@ -114,7 +109,7 @@ void PerchFtpShellController::loadSavedConnections()
         detail::qtToCpp(QDir(baseFolder_).filePath(QString::fromLatin1(kSiteDatabaseName))));
     std::optional<storage::Snapshot> const loaded = siteStore_ ? siteStore_->load() : std::nullopt;
     if (loaded) {
-        std::size_t const count = profileCount(*loaded);
+        std::size_t const count = loaded->profiles.size();
         siteManager_.loadFromSnapshot(*loaded);
         if (siteStore_ && siteManager_.listSites().size() != count) {
             siteStore_->save(siteManager_.snapshot());
@@ -127,7 +122,7 @@ void PerchFtpShellController::loadSavedConnections()
     if (!older) {
         return;
     }
-    std::size_t const count = profileCount(*older);
+    std::size_t const count = older->profiles.size();
     siteManager_.loadFromSnapshot(*older);
     if (siteStore_) {
         siteStore_->save(siteManager_.snapshot());

@@ -1,4 +1,3 @@
-#include "app/app_icons.hpp"
 #include "app/dialogs/accessory_alert.hpp"
 #include "app/dialogs/saved_connection_picker.hpp"
 #include "app/shell_dialogs.hpp"

@@ -51,7 +51,7 @@ void StartedShellTest::startShell()
     ASSERT_TRUE(shell_.has_value());
 }
 
-void StartedShellTest::TearDown()
+void StartedShellTest::stopShell()
 {
     if (shell_) {
         EXPECT_TRUE(dialogs_->scriptIsUsedUp()) << "the shell asked fewer questions than the script expects";

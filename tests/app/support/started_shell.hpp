@@ -44,7 +44,9 @@ std::optional<std::vector<storage::SiteProfile>> readSites(QString const& databa
 class StartedShellTest : public testing::Test {
 protected:
     void startShell();
-    void TearDown() override;
+    // Destroys the shell as the program's end would; also done after every test.
+    void stopShell();
+    void TearDown() override { stopShell(); }
 
     app::PerchFtpShellController& controller() { return *shell_->controller; }
     app::PerchSplashWindow* splash() { return shell_->splash.get(); }
