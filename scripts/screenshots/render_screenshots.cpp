@@ -1,5 +1,6 @@
 // Starts the real shell the way the program does and saves what the screen shows: the splash
-// while it is up, then the main window once the splash timer has brought it to the front.
+// while it is up, the main window once the splash timer has brought it to the front, and the
+// connection popup over it.
 // Run it through scripts/render-screenshots, which gives it an X server and fresh user folders.
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/shell_paths.hpp"
@@ -95,5 +96,10 @@ int main(int argc, char** argv)
     fillDemoQueue(controller);
     waitFor(900);
     ok = saveScreenArea(controller.hostWindow(), output + QStringLiteral("/main-window.png")) && ok;
+
+    controller.showConnectionPopupWithTitle(
+        QStringLiteral("Connecting"), QStringLiteral("Resolving demo.example.org:22 via sftp..."));
+    waitFor(400);
+    ok = controller.statusPopupWindow()->grab().save(output + QStringLiteral("/connection-popup.png")) && ok;
     return ok ? 0 : 1;
 }

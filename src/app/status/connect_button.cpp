@@ -30,6 +30,7 @@ QPropertyAnimation* alphaRamp(QObject* target, qreal from, qreal to)
 PerchConnectButton::PerchConnectButton(QString const& title, QWidget* parent)
     : QPushButton(title, parent)
 {
+    setAttribute(Qt::WA_Hover);
     setMinimumHeight(30);
 }
 
