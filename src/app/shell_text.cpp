@@ -1,7 +1,10 @@
 #include "app/shell_text.hpp"
 
+#include "app/pane/pane_cells.hpp"
+
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <cctype>
 #include <climits>
 
@@ -44,27 +47,7 @@ int defaultPortForProtocol(std::string const& protocol)
 
 int leadingIntValue(QString const& text)
 {
-    qsizetype position = 0;
-    while (position < text.size() && text.at(position).isSpace()) {
-        ++position;
-    }
-    bool negative = false;
-    if (position < text.size() && (text.at(position) == u'+' || text.at(position) == u'-')) {
-        negative = text.at(position) == u'-';
-        ++position;
-    }
-    long long value = 0;
-    while (position < text.size() && text.at(position) >= u'0' && text.at(position) <= u'9') {
-        value = value * 10 + (text.at(position).unicode() - u'0');
-        if (value > static_cast<long long>(INT_MAX) + 1) {
-            value = static_cast<long long>(INT_MAX) + 1;
-        }
-        ++position;
-    }
-    if (negative) {
-        return static_cast<int>(-value);
-    }
-    return value > INT_MAX ? INT_MAX : static_cast<int>(value);
+    return static_cast<int>(std::clamp<qint64>(leadingInt64(text), INT_MIN, INT_MAX));
 }
 
 bool isValidUtf8(std::string const& bytes)

@@ -1,9 +1,9 @@
 #include "app/status/connect_button.hpp"
 
+#include "app/status/back_and_forth_animation.hpp"
+
 #include <QPainter>
 #include <QPainterPath>
-#include <QPropertyAnimation>
-#include <QSequentialAnimationGroup>
 #include <QStyleOptionButton>
 #include <QStylePainter>
 
@@ -13,17 +13,7 @@ namespace {
 
 constexpr qreal kBorderWidth = 1.5;
 constexpr qreal kCornerRadius = 8.0;
-constexpr int kPulseHalfMs = 850;
-
-QPropertyAnimation* alphaRamp(QObject* target, qreal from, qreal to)
-{
-    auto* ramp = new QPropertyAnimation(target, "borderAlpha");
-    ramp->setStartValue(from);
-    ramp->setEndValue(to);
-    ramp->setDuration(kPulseHalfMs);
-    ramp->setEasingCurve(QEasingCurve::InOutQuad);
-    return ramp;
-}
+constexpr int kPulseEachWayMs = 850;
 
 } // namespace
 
@@ -47,13 +37,7 @@ void PerchConnectButton::restartPulse(QColor const& color)
         delete pulse_;
     }
     pulseColor_ = color;
-    auto* group = new QSequentialAnimationGroup(this);
-    group->setObjectName(QString::fromLatin1(kPulseName));
-    group->addAnimation(alphaRamp(this, 0.35, 0.95));
-    group->addAnimation(alphaRamp(this, 0.95, 0.35));
-    group->setLoopCount(-1);
-    pulse_ = group;
-    group->start();
+    pulse_ = startBackAndForth(this, "borderAlpha", 0.35, 0.95, kPulseEachWayMs, QString::fromLatin1(kPulseName));
 }
 
 void PerchConnectButton::setBorderAlpha(qreal alpha)

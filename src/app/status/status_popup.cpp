@@ -1,18 +1,18 @@
 #include "app/status/status_popup.hpp"
 
+#include "app/status/back_and_forth_animation.hpp"
+
 #include <QLabel>
 #include <QPainter>
 #include <QPainterPath>
 #include <QProgressBar>
-#include <QPropertyAnimation>
-#include <QSequentialAnimationGroup>
 #include <QVBoxLayout>
 
 namespace perchftp::app {
 
 namespace {
 
-constexpr int kSwimHalfMs = 900;
+constexpr int kSwimEachWayMs = 900;
 constexpr qreal kSwimReach = 32;
 constexpr int kIconSide = 40;
 
@@ -40,16 +40,6 @@ protected:
         painter.drawPath(path);
     }
 };
-
-QPropertyAnimation* swimLeg(QObject* target, qreal from, qreal to)
-{
-    auto* leg = new QPropertyAnimation(target, "swimOffset");
-    leg->setStartValue(from);
-    leg->setEndValue(to);
-    leg->setDuration(kSwimHalfMs);
-    leg->setEasingCurve(QEasingCurve::InOutQuad);
-    return leg;
-}
 
 QLabel* taggedLabel(QWidget* parent, int tag, QString const& text, int pointSize, bool bold)
 {
@@ -83,13 +73,7 @@ PerchSwimmingIcon::PerchSwimmingIcon(QIcon icon, QWidget* parent)
 void PerchSwimmingIcon::startSwimming()
 {
     stopSwimming();
-    auto* group = new QSequentialAnimationGroup(this);
-    group->setObjectName(QString::fromLatin1(kSwimName));
-    group->addAnimation(swimLeg(this, -kSwimReach, kSwimReach));
-    group->addAnimation(swimLeg(this, kSwimReach, -kSwimReach));
-    group->setLoopCount(-1);
-    swim_ = group;
-    group->start();
+    swim_ = startBackAndForth(this, "swimOffset", -kSwimReach, kSwimReach, kSwimEachWayMs, QString::fromLatin1(kSwimName));
 }
 
 void PerchSwimmingIcon::stopSwimming()
