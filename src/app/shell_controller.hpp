@@ -104,7 +104,8 @@ public:
     void didRequestDeletePaths(PerchFilePaneController* pane, PaneEntries const& items, bool isRemote) override;
     void didRequestChangePermissions(PerchFilePaneController* pane, PaneEntries const& items, bool isRemote) override;
 
-    // Members, each with its accessor pair.
+    // Members, each with its accessor pair. A setter only changes what the controller talks to;
+    // ownership stays where it is.
     transfer::TransferQueueService& transferQueue() { return transferQueue_; }
     storage::SiteManager& siteManager() { return siteManager_; }
     storage::IPersistentStore* siteStore() const { return siteStore_.get(); }
@@ -113,40 +114,73 @@ public:
     void setSession(protocol::IRemoteSession* session);
 
     PerchFilePaneController* localPane() const { return localPane_; }
+    void setLocalPane(PerchFilePaneController* value) { localPane_ = value; }
     PerchFilePaneController* remotePane() const { return remotePane_; }
+    void setRemotePane(PerchFilePaneController* value) { remotePane_ = value; }
     QLineEdit* hostField() const { return hostField_; }
+    void setHostField(QLineEdit* value) { hostField_ = value; }
     QLineEdit* portField() const { return portField_; }
+    void setPortField(QLineEdit* value) { portField_ = value; }
     QComboBox* protocolField() const { return protocolField_; }
+    void setProtocolField(QComboBox* value) { protocolField_ = value; }
     QLineEdit* userField() const { return userField_; }
+    void setUserField(QLineEdit* value) { userField_ = value; }
     QLineEdit* secretField() const { return secretField_; }
+    void setSecretField(QLineEdit* value) { secretField_ = value; }
     QLineEdit* localTransferField() const { return localTransferField_; }
+    void setLocalTransferField(QLineEdit* value) { localTransferField_ = value; }
     QLineEdit* remoteTransferField() const { return remoteTransferField_; }
+    void setRemoteTransferField(QLineEdit* value) { remoteTransferField_ = value; }
     QLabel* queueSummary() const { return queueSummary_; }
+    void setQueueSummary(QLabel* value) { queueSummary_ = value; }
     QPlainTextEdit* queueLog() const { return queueLog_; }
     void setQueueLog(QPlainTextEdit* log) { queueLog_ = log; }
     QTableView* queueTable() const { return queueTable_; }
+    void setQueueTable(QTableView* value) { queueTable_ = value; }
     PerchQueueTableDataSource* queueTableDataSource() const { return queueTableDataSource_; }
+    void setQueueTableDataSource(PerchQueueTableDataSource* value) { queueTableDataSource_ = value; }
     QLabel* statusLabel() const { return statusLabel_; }
+    void setStatusLabel(QLabel* value) { statusLabel_ = value; }
     PerchStatusBanner* statusBanner() const { return statusBanner_; }
+    void setStatusBanner(PerchStatusBanner* value) { statusBanner_ = value; }
     PerchConnectionLight* connectionStatusLight() const { return connectionStatusLight_; }
+    void setConnectionStatusLight(PerchConnectionLight* value) { connectionStatusLight_ = value; }
     QLabel* connectionStatusText() const { return connectionStatusText_; }
+    void setConnectionStatusText(QLabel* value) { connectionStatusText_ = value; }
     PerchConnectButton* connectButton() const { return connectButton_; }
+    void setConnectButton(PerchConnectButton* value) { connectButton_ = value; }
     QPushButton* disconnectButton() const { return disconnectButton_; }
+    void setDisconnectButton(QPushButton* value) { disconnectButton_ = value; }
     QPushButton* refreshButton() const { return refreshButton_; }
+    void setRefreshButton(QPushButton* value) { refreshButton_ = value; }
     QPushButton* saveConnectionButton() const { return saveConnectionButton_; }
+    void setSaveConnectionButton(QPushButton* value) { saveConnectionButton_ = value; }
     QPushButton* openSavedConnectionButton() const { return openSavedConnectionButton_; }
+    void setOpenSavedConnectionButton(QPushButton* value) { openSavedConnectionButton_ = value; }
     QPushButton* reportBugButton() const { return reportBugButton_; }
+    void setReportBugButton(QPushButton* value) { reportBugButton_ = value; }
     QPushButton* uploadButton() const { return uploadButton_; }
+    void setUploadButton(QPushButton* value) { uploadButton_ = value; }
     QPushButton* downloadButton() const { return downloadButton_; }
+    void setDownloadButton(QPushButton* value) { downloadButton_ = value; }
     QPushButton* clearQueueButton() const { return clearQueueButton_; }
+    void setClearQueueButton(QPushButton* value) { clearQueueButton_ = value; }
     QMainWindow* hostWindow() const { return hostWindow_; }
+    void setHostWindow(QMainWindow* value) { hostWindow_ = value; }
     QMenuBar* mainMenu() const { return mainMenu_; }
+    void setMainMenu(QMenuBar* value) { mainMenu_ = value; }
     PerchPaneSplitView* paneSplitView() const { return paneSplitView_; }
+    void setPaneSplitView(PerchPaneSplitView* value) { paneSplitView_ = value; }
     QWidget* statusPopupWindow() const { return statusPopupWindow_; }
+    void setStatusPopupWindow(QWidget* value) { statusPopupWindow_ = value; }
     QLabel* statusPopupTitle() const { return statusPopupTitle_; }
+    void setStatusPopupTitle(QLabel* value) { statusPopupTitle_ = value; }
     QLabel* statusPopupMessage() const { return statusPopupMessage_; }
+    void setStatusPopupMessage(QLabel* value) { statusPopupMessage_ = value; }
     QProgressBar* statusPopupProgress() const { return statusPopupProgress_; }
+    void setStatusPopupProgress(QProgressBar* value) { statusPopupProgress_ = value; }
     PerchSwimmingIcon* statusPopupIcon() const { return statusPopupIcon_; }
+    void setStatusPopupIcon(PerchSwimmingIcon* value) { statusPopupIcon_ = value; }
 
 public slots:
     void connectSession();

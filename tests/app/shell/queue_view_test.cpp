@@ -132,6 +132,22 @@ TEST_F(QueueView, ClearingEmptiesTheTableAndSaysSoEvenWhenItWasEmpty)
     EXPECT_EQ(enqueue("after"), 2u) << "ids go on after a clear";
 }
 
+TEST_F(QueueView, AMissingSummaryButtonOrTableIsSkipped)
+{
+    enqueue("one");
+    controller().setQueueSummary(nullptr);
+    controller().setClearQueueButton(nullptr);
+    controller().setQueueTable(nullptr);
+    controller().reloadQueueSummary();
+    EXPECT_TRUE(controller().queueTableDataSource()->items().empty()) << "no table, no rows";
+    controller().setQueueTableDataSource(nullptr);
+    controller().clearTransferQueue();
+    EXPECT_TRUE(queue().snapshot().empty());
+
+    controller().setStatusLabel(nullptr);
+    controller().setStatusText(QStringLiteral("nobody shows this"), true);
+}
+
 TEST_F(QueueView, LogLinesGoToTheActivityLogInOrder)
 {
     controller().logMessage("Connected to example.org");
