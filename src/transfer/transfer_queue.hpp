@@ -43,6 +43,8 @@ struct TransferQueueItem {
     std::string error; // why a job Failed or was Skipped; empty otherwise
     std::string timestamp; // local time of the last change, "%Y-%m-%d %H:%M:%S", for display only
     bool reservedFlag = false; // carried with the record, read and set by nobody
+
+    bool operator==(TransferQueueItem const&) const = default;
 };
 
 // Every operation that takes an id refuses an unknown one (0 included) with false. A refused call
