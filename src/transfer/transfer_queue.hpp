@@ -106,7 +106,7 @@ private:
 
     // Deques, so that an observer that enqueues or observes does not move the record it was
     // given or the observer being called.
-    std::deque<TransferQueueItem> items_; // ids ascend along the sequence
+    std::deque<TransferQueueItem> items_; // ids rise by one along the sequence
     std::deque<Observer> observers_;
     bool queuePaused_ = false;
     std::uint64_t nextId_ = 1;

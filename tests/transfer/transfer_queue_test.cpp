@@ -176,7 +176,7 @@ TEST(TransferQueueObservers, AnObserverThatEnqueuesObservesOrClearsLeavesTheNoti
     EXPECT_EQ(laterCalls, 0); // the record is gone, so nobody after the clearing observer sees it
 }
 
-TEST(TransferQueueLookup, FindsEveryJobAmongManyAfterAClear)
+TEST(TransferQueueLookup, FindsEveryJobAmongManyAfterAClearAndRefusals)
 {
     TransferQueue queue;
     for (int i = 0; i < 10; ++i) {
@@ -186,6 +186,7 @@ TEST(TransferQueueLookup, FindsEveryJobAmongManyAfterAClear)
     Ids ids;
     for (int i = 0; i < 1000; ++i) {
         ids.push_back(add(queue));
+        EXPECT_EQ(queue.enqueue(JobType::Upload, "ftp", "", "/r", 0, 3), 0U);
     }
     for (auto const id : ids) {
         ASSERT_TRUE(queue.skip(id, std::to_string(id)));
