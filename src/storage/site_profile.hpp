@@ -37,6 +37,8 @@ struct SiteProfile {
     std::int32_t connectTimeoutMs = 10000;
     std::int32_t transferTimeoutMs = 60000;
     bool useEncryption = true;
+
+    bool operator==(SiteProfile const&) const = default;
 };
 
 struct AppSettings {
@@ -48,6 +50,8 @@ struct AppSettings {
     std::int32_t operationTimeoutMs = 30000;
     std::int32_t logLevel = 2;
     std::string uiLayoutJson = "{}";
+
+    bool operator==(AppSettings const&) const = default;
 };
 
 inline constexpr std::int32_t kCurrentSchemaVersion = 3;
@@ -57,6 +61,8 @@ struct Snapshot {
     std::int32_t version = kCurrentSchemaVersion;
     std::vector<SiteProfile> profiles;
     AppSettings settings;
+
+    bool operator==(Snapshot const&) const = default;
 };
 
 // A snapshot of version 3 with no profiles and the repaired settings: an empty default protocol

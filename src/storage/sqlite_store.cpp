@@ -228,27 +228,7 @@ std::optional<Snapshot> SQLiteStore::load()
     if (auto const statement = prepare(db.get(), kSelectProfiles)) {
         auto* const row = statement.get();
         while (sqlite3_step(row) == SQLITE_ROW) {
-            SiteProfile profile;
-            profile.id = sqlite3_column_int(row, 0);
-            profile.name = textColumn(row, 1);
-            profile.protocol = textColumn(row, 2);
-            profile.host = textColumn(row, 3);
-            profile.port = sqlite3_column_int(row, 4);
-            profile.user = textColumn(row, 5);
-            profile.secretRef = textColumn(row, 6);
-            profile.localRoot = textColumn(row, 7);
-            profile.remoteRoot = textColumn(row, 8);
-            profile.status = sqlite3_column_int(row, 9);
-            profile.group = textColumn(row, 10);
-            profile.favorite = sqlite3_column_int(row, 11) != 0;
-            profile.quickConnect = sqlite3_column_int(row, 12) != 0;
-            profile.autoConnect = sqlite3_column_int(row, 13) != 0;
-            profile.transferMode = transferModeFromString(textColumn(row, 14));
-            profile.connectTimeoutMs = sqlite3_column_int(row, 15);
-            profile.transferTimeoutMs = sqlite3_column_int(row, 16);
-            profile.useEncryption = sqlite3_column_int(row, 17) != 0;
-            normalizeSiteProfile(profile);
-            snapshot.profiles.push_back(std::move(profile));
+            snapshot.profiles.push_back(readProfile(row));
         }
     }
     return normalizeSnapshot(std::move(snapshot));
@@ -314,6 +294,31 @@ bool SQLiteStore::ensureSchema(sqlite3* db)
 {
     return executeSql(db, "PRAGMA journal_mode=WAL") && executeSql(db, "PRAGMA synchronous=NORMAL")
         && executeSql(db, kCreateSettingsTable) && executeSql(db, kCreateProfilesTable);
+}
+
+SiteProfile SQLiteStore::readProfile(sqlite3_stmt* row)
+{
+    SiteProfile profile;
+    profile.id = sqlite3_column_int(row, 0);
+    profile.name = textColumn(row, 1);
+    profile.protocol = textColumn(row, 2);
+    profile.host = textColumn(row, 3);
+    profile.port = sqlite3_column_int(row, 4);
+    profile.user = textColumn(row, 5);
+    profile.secretRef = textColumn(row, 6);
+    profile.localRoot = textColumn(row, 7);
+    profile.remoteRoot = textColumn(row, 8);
+    profile.status = sqlite3_column_int(row, 9);
+    profile.group = textColumn(row, 10);
+    profile.favorite = sqlite3_column_int(row, 11) != 0;
+    profile.quickConnect = sqlite3_column_int(row, 12) != 0;
+    profile.autoConnect = sqlite3_column_int(row, 13) != 0;
+    profile.transferMode = transferModeFromString(textColumn(row, 14));
+    profile.connectTimeoutMs = sqlite3_column_int(row, 15);
+    profile.transferTimeoutMs = sqlite3_column_int(row, 16);
+    profile.useEncryption = sqlite3_column_int(row, 17) != 0;
+    normalizeSiteProfile(profile);
+    return profile;
 }
 
 std::string SQLiteStore::textColumn(sqlite3_stmt* statement, int column)

@@ -25,6 +25,7 @@ private:
     static bool executeSql(sqlite3* db, char const* sql);
     static bool ensureSchema(sqlite3* db);
     static std::string textColumn(sqlite3_stmt* statement, int column);
+    static SiteProfile readProfile(sqlite3_stmt* row); // one row of the profile query, normalised
 
     std::string path_;
 };

@@ -219,12 +219,15 @@ TransferQueueItem* TransferQueue::find(std::uint64_t id)
     return const_cast<TransferQueueItem*>(std::as_const(*this).find(id));
 }
 
-// Ids ascend along the sequence, so a binary search finds a job.
+// Jobs leave only all at once, by clear, and each enqueue appends the next id: the ids held form
+// one unbroken run, so a job's place follows from its id.
 TransferQueueItem const* TransferQueue::find(std::uint64_t id) const
 {
-    auto const it = std::lower_bound(items_.begin(), items_.end(), id,
-        [](TransferQueueItem const& item, std::uint64_t wanted) { return item.id < wanted; });
-    return it != items_.end() && it->id == id ? &*it : nullptr;
+    if (items_.empty() || id < items_.front().id || id - items_.front().id >= items_.size()) {
+        return nullptr;
+    }
+    auto const& item = items_[id - items_.front().id];
+    return item.id == id ? &item : nullptr;
 }
 
 void TransferQueue::notifyObservers(TransferQueueItem const& item) const

@@ -43,6 +43,8 @@ struct TransferQueueItem {
     std::string error; // why a job Failed or was Skipped; empty otherwise
     std::string timestamp; // local time of the last change, "%Y-%m-%d %H:%M:%S", for display only
     bool reservedFlag = false; // carried with the record, read and set by nobody
+
+    bool operator==(TransferQueueItem const&) const = default;
 };
 
 // Every operation that takes an id refuses an unknown one (0 included) with false. A refused call
@@ -104,7 +106,7 @@ private:
 
     // Deques, so that an observer that enqueues or observes does not move the record it was
     // given or the observer being called.
-    std::deque<TransferQueueItem> items_; // ids ascend along the sequence
+    std::deque<TransferQueueItem> items_; // ids rise by one along the sequence
     std::deque<Observer> observers_;
     bool queuePaused_ = false;
     std::uint64_t nextId_ = 1;

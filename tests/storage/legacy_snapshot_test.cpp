@@ -1,5 +1,6 @@
 #include "storage/legacy_snapshot.hpp"
 
+#include "storage/store_fixture.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
@@ -70,78 +71,68 @@ protected:
     std::string path = dir.file("perchftp-sites.db");
 };
 
-TEST_F(LegacySnapshotTest, ReadsTheHeaderWithTheProtocolFromTheRestOfTheDarkThemeLine)
+TEST_F(LegacySnapshotTest, ReadsTheHeaderAndEveryFieldOfEachRecordAsItStands)
 {
     auto const snapshot = loadText(std::string(kHeader) + kOfficeRecord + kHomeRecord);
     ASSERT_TRUE(snapshot.has_value());
+    AppSettings settings;
+    settings.autoReconnect = false;
+    settings.concurrentTransfers = 4;
+    settings.retryLimit = 6;
+    settings.useDarkTheme = false;
+    settings.defaultProtocol = " ftp"; // the rest of the dark-theme line, leading blank included
+    settings.operationTimeoutMs = 45000;
+    settings.logLevel = 1;
+    settings.uiLayoutJson = "{\"split\":0.4}";
     EXPECT_EQ(snapshot->version, 3);
-    auto const& settings = snapshot->settings;
-    EXPECT_FALSE(settings.autoReconnect);
-    EXPECT_EQ(settings.concurrentTransfers, 4);
-    EXPECT_EQ(settings.retryLimit, 6);
-    EXPECT_FALSE(settings.useDarkTheme);
-    EXPECT_EQ(settings.defaultProtocol, " ftp");
-    EXPECT_EQ(settings.operationTimeoutMs, 45000);
-    EXPECT_EQ(settings.logLevel, 1);
-    EXPECT_EQ(settings.uiLayoutJson, "{\"split\":0.4}");
-}
-
-TEST_F(LegacySnapshotTest, ReadsEveryFieldOfARecordAsItStands)
-{
-    auto const snapshot = loadText(std::string(kHeader) + kOfficeRecord + kHomeRecord);
-    ASSERT_TRUE(snapshot.has_value());
+    EXPECT_EQ(snapshot->settings, settings);
     ASSERT_EQ(snapshot->profiles.size(), 2U);
-    auto const& office = snapshot->profiles[0];
-    EXPECT_EQ(office.id, 7);
-    EXPECT_EQ(office.name, "  Office  ");
-    EXPECT_EQ(office.protocol, "SFTP");
-    EXPECT_EQ(office.host, "Files.Example.com");
-    EXPECT_EQ(office.port, 2222);
-    EXPECT_EQ(office.user, "ana");
-    EXPECT_EQ(office.secretRef, "s3cret with spaces");
-    EXPECT_EQ(office.localRoot, "/home/ana");
-    EXPECT_EQ(office.remoteRoot, "/srv/www");
-    EXPECT_EQ(office.status, 2);
-    EXPECT_EQ(office.group, "Clients");
-    EXPECT_TRUE(office.favorite);
-    EXPECT_TRUE(office.quickConnect);
-    EXPECT_FALSE(office.autoConnect);
-    EXPECT_EQ(office.transferMode, TransferMode::Ascii);
-    EXPECT_EQ(office.connectTimeoutMs, 5000);
-    EXPECT_EQ(office.transferTimeoutMs, 7000);
-    EXPECT_FALSE(office.useEncryption);
+
+    SiteProfile office;
+    office.id = 7;
+    office.name = "  Office  ";
+    office.protocol = "SFTP";
+    office.host = "Files.Example.com";
+    office.port = 2222;
+    office.user = "ana";
+    office.secretRef = "s3cret with spaces";
+    office.localRoot = "/home/ana";
+    office.remoteRoot = "/srv/www";
+    office.status = 2;
+    office.group = "Clients";
+    office.favorite = office.quickConnect = true;
+    office.transferMode = TransferMode::Ascii;
+    office.connectTimeoutMs = 5000;
+    office.transferTimeoutMs = 7000;
+    office.useEncryption = false;
+    EXPECT_EQ(snapshot->profiles[0], office);
 }
 
 TEST_F(LegacySnapshotTest, UnparsableLinesTakeTheirDefaultsAndNormalisationRepairsTheRest)
 {
     auto const snapshot = loadText(std::string(kHeader) + kOfficeRecord + kHomeRecord);
     ASSERT_EQ(snapshot->profiles.size(), 2U);
-    auto const& home = snapshot->profiles[1];
-    EXPECT_EQ(home.port, 21);
-    EXPECT_EQ(home.user, "");
-    EXPECT_EQ(home.group, "General");
-    EXPECT_FALSE(home.favorite); // "yes" is no number
-    EXPECT_TRUE(home.quickConnect);
-    EXPECT_TRUE(home.autoConnect); // -1 is not 0
-    EXPECT_EQ(home.transferMode, TransferMode::Binary); // "Ascii" is not the word
-    EXPECT_EQ(home.connectTimeoutMs, 10000);
-    EXPECT_EQ(home.transferTimeoutMs, 45); // letters behind the digits do no harm
-    EXPECT_TRUE(home.useEncryption);
+    SiteProfile home;
+    home.id = 3;
+    home.name = "Home";
+    home.protocol = "ftp";
+    home.host = "nas.local";
+    home.port = 21; // 70000 is read, then repaired
+    home.group = "General";
+    home.favorite = false; // "yes" is no number
+    home.quickConnect = true;
+    home.autoConnect = true; // -1 is not 0
+    home.transferMode = TransferMode::Binary; // "Ascii" is not the word
+    home.connectTimeoutMs = 10000;
+    home.transferTimeoutMs = 45; // letters behind the digits do no harm
+    home.useEncryption = true;
+    EXPECT_EQ(snapshot->profiles[1], home);
 }
 
 TEST_F(LegacySnapshotTest, AVersionAndCountLineAloneGivesDefaultSettingsAndNoProfiles)
 {
-    auto const snapshot = loadText("3 0");
-    ASSERT_TRUE(snapshot.has_value());
-    EXPECT_TRUE(snapshot->profiles.empty());
-    EXPECT_TRUE(snapshot->settings.autoReconnect);
-    EXPECT_EQ(snapshot->settings.concurrentTransfers, 2);
-    EXPECT_EQ(snapshot->settings.retryLimit, 3);
-    EXPECT_TRUE(snapshot->settings.useDarkTheme);
-    EXPECT_EQ(snapshot->settings.defaultProtocol, "sftp");
-    EXPECT_EQ(snapshot->settings.operationTimeoutMs, 30000);
-    EXPECT_EQ(snapshot->settings.logLevel, 2);
-    EXPECT_EQ(snapshot->settings.uiLayoutJson, "{}");
+    EXPECT_EQ(loadText("3 0"), Snapshot{});
+    EXPECT_EQ(loadText("-12 0\n"), Snapshot{}); // no version is refused; each becomes 3
 }
 
 TEST_F(LegacySnapshotTest, TextThatDoesNotBeginWithTwoIntegersIsRefused)
@@ -152,112 +143,75 @@ TEST_F(LegacySnapshotTest, TextThatDoesNotBeginWithTwoIntegersIsRefused)
     EXPECT_FALSE(loadLegacySnapshotFromPath(dir.file("missing")).has_value());
 }
 
-TEST_F(LegacySnapshotTest, AnyVersionNumberIsAcceptedAndBecomesThree)
-{
-    EXPECT_EQ(loadText("-12 0\n").value().version, 3);
-    EXPECT_EQ(loadText("1 0\n").value().version, 3);
-}
-
 TEST_F(LegacySnapshotTest, AnIntegerThatEndsItsLineLeavesTheProtocolEmptyAndShiftsTheNextLineToTheLayout)
 {
-    auto const snapshot = loadText("3 0\n"
-                                   "0\n"
-                                   "5\n"
-                                   "7\n"
-                                   "0\n"
-                                   "wide layout\n");
-    ASSERT_TRUE(snapshot.has_value());
-    auto const& settings = snapshot->settings;
-    EXPECT_FALSE(settings.autoReconnect);
-    EXPECT_EQ(settings.concurrentTransfers, 5);
-    EXPECT_EQ(settings.retryLimit, 7);
-    EXPECT_FALSE(settings.useDarkTheme);
-    EXPECT_EQ(settings.defaultProtocol, "sftp");
-    EXPECT_EQ(settings.operationTimeoutMs, 30000);
-    EXPECT_EQ(settings.logLevel, 2);
-    EXPECT_EQ(settings.uiLayoutJson, "wide layout");
+    AppSettings expected;
+    expected.autoReconnect = false;
+    expected.concurrentTransfers = 5;
+    expected.retryLimit = 7;
+    expected.useDarkTheme = false;
+    expected.uiLayoutJson = "wide layout"; // what the timeout and the log level could not parse
+    EXPECT_EQ(loadText("3 0\n0\n5\n7\n0\nwide layout\n").value().settings, expected);
 }
 
 TEST_F(LegacySnapshotTest, HeaderIntegersMayShareALine)
 {
-    auto const snapshot = loadText("3 0 1 9 8 1 ftps\n100 3 []\n");
-    ASSERT_TRUE(snapshot.has_value());
-    EXPECT_EQ(snapshot->settings.concurrentTransfers, 9);
-    EXPECT_EQ(snapshot->settings.retryLimit, 8);
-    EXPECT_EQ(snapshot->settings.defaultProtocol, " ftps");
-    EXPECT_EQ(snapshot->settings.operationTimeoutMs, 100);
-    EXPECT_EQ(snapshot->settings.logLevel, 3);
-    EXPECT_EQ(snapshot->settings.uiLayoutJson, "[]");
+    AppSettings expected;
+    expected.concurrentTransfers = 9;
+    expected.retryLimit = 8;
+    expected.defaultProtocol = " ftps";
+    expected.operationTimeoutMs = 100;
+    expected.logLevel = 3;
+    expected.uiLayoutJson = "[]";
+    EXPECT_EQ(loadText("3 0 1 9 8 1 ftps\n100 3 []\n").value().settings, expected);
 }
 
-TEST_F(LegacySnapshotTest, ARecordCutOffAfterItsStatusLineIsDroppedAndTheOnesBeforeStand)
+std::string withCount(char const* count)
 {
-    std::string truncated = kHomeRecord;
-    truncated.resize(truncated.find("1\n\nyes") + 2);
-    auto const snapshot = loadText(std::string(kHeader) + kOfficeRecord + truncated);
-    ASSERT_TRUE(snapshot.has_value());
-    ASSERT_EQ(snapshot->profiles.size(), 1U);
-    EXPECT_EQ(snapshot->profiles[0].id, 7);
+    return std::string(kHeader).replace(2, 1, count);
 }
 
-TEST_F(LegacySnapshotTest, TheFirstBrokenRecordEndsTheReadingEvenWhenGoodOnesFollow)
+TEST_F(LegacySnapshotTest, TheFirstBrokenRecordEndsTheReadingAndTheOnesBeforeItStand)
 {
-    std::string text = std::string(kHeader);
-    text.replace(0, 3, "3 3");
-    auto const snapshot = loadText(text + "not-an-id\n" + kOfficeRecord + kHomeRecord);
-    ASSERT_TRUE(snapshot.has_value());
-    EXPECT_TRUE(snapshot->profiles.empty());
+    std::string cutAfterStatus = kHomeRecord;
+    cutAfterStatus.resize(cutAfterStatus.find("1\n\nyes") + 2);
+    auto const cut = loadText(std::string(kHeader) + kOfficeRecord + cutAfterStatus);
+    ASSERT_TRUE(cut.has_value());
+    ASSERT_EQ(cut->profiles.size(), 1U);
+    EXPECT_EQ(cut->profiles[0].id, 7);
+
+    auto const brokenFirst = loadText(withCount("3") + "not-an-id\n" + kOfficeRecord + kHomeRecord);
+    ASSERT_TRUE(brokenFirst.has_value());
+    EXPECT_TRUE(brokenFirst->profiles.empty());
 }
 
-TEST_F(LegacySnapshotTest, TheCountDecidesHowManyRecordsAreRead)
+TEST_F(LegacySnapshotTest, TheCountDecidesHowManyRecordsAreReadAndALargeOneStopsAtTheEnd)
 {
-    std::string oneOfTwo = kHeader;
-    oneOfTwo.replace(0, 3, "3 1");
-    EXPECT_EQ(loadText(oneOfTwo + kOfficeRecord + kHomeRecord)->profiles.size(), 1U);
-
-    std::string manyOfTwo = kHeader;
-    manyOfTwo.replace(0, 3, "3 900000000");
-    EXPECT_EQ(loadText(manyOfTwo + kOfficeRecord + kHomeRecord)->profiles.size(), 2U);
+    EXPECT_EQ(loadText(withCount("1") + kOfficeRecord + kHomeRecord)->profiles.size(), 1U);
+    EXPECT_EQ(loadText(withCount("900000000") + kOfficeRecord + kHomeRecord)->profiles.size(), 2U);
+    EXPECT_EQ(loadText(withCount("-1") + kOfficeRecord)->profiles.size(), 1U); // read as unsigned: huge
 }
 
-TEST_F(LegacySnapshotTest, ANegativeCountReadsAsAHugeOneAndStopsAtTheEndOfTheFile)
+TEST(LegacyReadOrDefault, ReadsAcrossLineEndsAndNeverSkipsWhatItFailedToParse)
 {
-    std::string text = kHeader;
-    text.replace(0, 3, "3 -1");
-    auto const snapshot = loadText(text + kOfficeRecord);
-    ASSERT_TRUE(snapshot.has_value());
-    EXPECT_EQ(snapshot->profiles.size(), 1U);
-}
-
-TEST(LegacyReadOrDefault, NeverSkipsWhatItFailedToParse)
-{
-    std::istringstream in("abc 12\nrest");
-    int number = 5;
-    EXPECT_FALSE(readOrDefault(in, number, 99));
-    EXPECT_EQ(number, 99);
-    bool flag = false;
-    EXPECT_FALSE(readOrDefault(in, flag, true));
-    EXPECT_TRUE(flag);
-    std::string line;
-    EXPECT_TRUE(readOrDefault(in, line, std::string("fallback")));
-    EXPECT_EQ(line, "abc 12");
-    EXPECT_TRUE(readOrDefault(in, line, std::string("fallback")));
-    EXPECT_EQ(line, "rest");
-    EXPECT_FALSE(readOrDefault(in, line, std::string("fallback")));
-    EXPECT_EQ(line, "fallback");
-}
-
-TEST(LegacyReadOrDefault, ReadsIntegersAcrossLineEndsAndFlagsAsNotZero)
-{
-    std::istringstream in("  \n\n 42 0 -3");
+    std::istringstream in("  \n 42 0 abc 12\nrest");
     int number = 0;
     bool flag = true;
+    std::string line;
     EXPECT_TRUE(readOrDefault(in, number, 1));
     EXPECT_EQ(number, 42);
     EXPECT_TRUE(readOrDefault(in, flag, true));
     EXPECT_FALSE(flag);
-    EXPECT_TRUE(readOrDefault(in, flag, false));
+    EXPECT_FALSE(readOrDefault(in, number, 99));
+    EXPECT_EQ(number, 99);
+    EXPECT_FALSE(readOrDefault(in, flag, true));
     EXPECT_TRUE(flag);
+    EXPECT_TRUE(readOrDefault(in, line, std::string("fallback")));
+    EXPECT_EQ(line, "abc 12"); // only the white space in front of it went
+    EXPECT_TRUE(readOrDefault(in, line, std::string("fallback")));
+    EXPECT_EQ(line, "rest");
+    EXPECT_FALSE(readOrDefault(in, line, std::string("fallback")));
+    EXPECT_EQ(line, "fallback");
 }
 
 TEST(LegacyParseIntOrDefault, ParsesALeadingDecimalNumberAndFallsBackOtherwise)
@@ -289,20 +243,6 @@ TEST_F(LegacySnapshotTest, OnlyTheFifteenHeaderBytesMarkADatabase)
     test::writeFile(path, "sqlite format 3");
     EXPECT_FALSE(fileLooksLikeSqliteDatabase(path));
     EXPECT_FALSE(fileLooksLikeSqliteDatabase(dir.file("missing")));
-}
-
-TEST(LegacyToCurrent, NormalisesTheWholeSnapshot)
-{
-    Snapshot old;
-    old.version = 1;
-    old.settings.uiLayoutJson = "";
-    SiteProfile profile;
-    profile.port = 0;
-    old.profiles.push_back(profile);
-    auto const current = legacyToCurrent(old);
-    EXPECT_EQ(current.version, 3);
-    EXPECT_EQ(current.settings.uiLayoutJson, "{}");
-    EXPECT_EQ(current.profiles.at(0).port, 21);
 }
 
 } // namespace

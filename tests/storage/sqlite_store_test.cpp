@@ -20,6 +20,17 @@ using test::permissionBits;
 using test::RawDatabase;
 namespace fs = std::filesystem;
 
+constexpr char const* kLegacyText = "3 1\n1\n2\n3\n1\n30000\n2\n{}\n"
+                                    "4\nLegacy\nftp\nold.example\n21\nbob\nhunter2\n/l\n/r\n1\nGroup\n0\n0\n0\nbinary\n"
+                                    "10000\n60000\n1\n";
+
+Snapshot withProfiles(std::vector<SiteProfile> profiles)
+{
+    Snapshot snapshot;
+    snapshot.profiles = std::move(profiles);
+    return snapshot;
+}
+
 class SqliteStoreTest : public testing::Test {
 protected:
     std::string databasePath() const { return dir.file("perchftp-sites.db"); }
@@ -30,145 +41,73 @@ protected:
 
 TEST_F(SqliteStoreTest, LoadWithoutAFileGivesNothingAndCreatesNothing)
 {
-    auto const missing = store();
-    EXPECT_EQ(missing->schemaVersion(), 3);
-    EXPECT_FALSE(missing->load().has_value());
+    EXPECT_EQ(store()->schemaVersion(), 3);
+    EXPECT_FALSE(store()->load().has_value());
     EXPECT_TRUE(fs::is_empty(dir.path()));
     EXPECT_FALSE(createFileStore("")->load().has_value());
     EXPECT_FALSE(createFileStore("")->save(Snapshot{}));
 }
 
-TEST_F(SqliteStoreTest, SaveMakesMissingFoldersAndLoadGivesBackEveryFieldOrderedById)
+TEST_F(SqliteStoreTest, SaveMakesMissingFoldersAndLoadGivesBackTheRepairedSnapshotOrderedById)
 {
     auto const path = (dir.path() / "a" / "b" / "perchftp-sites.db").string();
-    Snapshot snapshot;
-    auto full = makeProfile(9, "files.example.com", "ana");
+    auto full = makeProfile(9, "files.example.com");
     full.name = "  Office  ";
-    full.port = 2222;
     full.secretRef = "p@ss w0rd\"'";
     full.status = 2;
     full.group = "Clients";
-    full.favorite = true;
-    full.quickConnect = true;
-    full.autoConnect = true;
+    full.favorite = full.quickConnect = full.autoConnect = true;
     full.transferMode = TransferMode::Eager;
     full.connectTimeoutMs = 1234;
     full.transferTimeoutMs = 5678;
     full.useEncryption = false;
-    snapshot.profiles.push_back(full);
     auto outOfRange = makeProfile(2, "other.example.com");
     outOfRange.port = 70000;
     outOfRange.transferMode = TransferMode::Ascii;
-    snapshot.profiles.push_back(outOfRange);
+    Snapshot snapshot = withProfiles({full, outOfRange});
+    snapshot.version = 1;
+    snapshot.settings.autoReconnect = snapshot.settings.useDarkTheme = false;
+    snapshot.settings.concurrentTransfers = -7;
+    snapshot.settings.defaultProtocol = "ftp";
+    snapshot.settings.operationTimeoutMs = 0;
+    snapshot.settings.uiLayoutJson = R"({"split":0.5})";
 
     ASSERT_TRUE(createFileStore(path)->save(snapshot));
-    EXPECT_TRUE(detail::fileLooksLikeSqliteDatabase(path));
-    EXPECT_EQ(createFileStore(path)->schemaVersion(), 3);
-
     auto const loaded = createFileStore(path)->load();
     ASSERT_TRUE(loaded.has_value());
-    EXPECT_EQ(loaded->version, 3);
-    ASSERT_EQ(loaded->profiles.size(), 2U);
-    EXPECT_EQ(loaded->profiles[0].id, 2);
-    EXPECT_EQ(loaded->profiles[0].port, 21);
-    EXPECT_EQ(loaded->profiles[0].transferMode, TransferMode::Ascii);
-    EXPECT_EQ(loaded->profiles[0].group, "General");
+    auto expected = normalizeSnapshot(snapshot);
+    std::swap(expected.profiles[0], expected.profiles[1]);
+    EXPECT_EQ(expected.profiles[0].port, 21);
+    EXPECT_EQ(expected.settings.operationTimeoutMs, 30000);
+    EXPECT_EQ(*loaded, expected);
 
-    auto const& back = loaded->profiles[1];
-    EXPECT_EQ(back.id, 9);
-    EXPECT_EQ(back.name, "  Office  ");
-    EXPECT_EQ(back.protocol, "sftp");
-    EXPECT_EQ(back.host, "files.example.com");
-    EXPECT_EQ(back.port, 2222);
-    EXPECT_EQ(back.user, "ana");
-    EXPECT_EQ(back.secretRef, "p@ss w0rd\"'");
-    EXPECT_EQ(back.localRoot, "/home/ana");
-    EXPECT_EQ(back.remoteRoot, "/srv/www");
-    EXPECT_EQ(back.status, 2);
-    EXPECT_EQ(back.group, "Clients");
-    EXPECT_TRUE(back.favorite);
-    EXPECT_TRUE(back.quickConnect);
-    EXPECT_TRUE(back.autoConnect);
-    EXPECT_EQ(back.transferMode, TransferMode::Eager);
-    EXPECT_EQ(back.connectTimeoutMs, 1234);
-    EXPECT_EQ(back.transferTimeoutMs, 5678);
-    EXPECT_FALSE(back.useEncryption);
-
-    // The secret stands in clear in its column, and the mode as its word.
+    // The secret stands in clear in its column, the mode as its word, the version as 3.
     RawDatabase raw(path);
     EXPECT_EQ(raw.text("SELECT secret_ref FROM site_profiles WHERE id = 9"), "p@ss w0rd\"'");
     EXPECT_EQ(raw.text("SELECT transfer_mode FROM site_profiles WHERE id = 9"), "eager");
+    EXPECT_EQ(raw.integer("SELECT version FROM app_settings WHERE id = 1"), 3);
     EXPECT_EQ(raw.text("PRAGMA journal_mode"), "wal");
 }
 
-TEST_F(SqliteStoreTest, SettingsAreWrittenRepairedAndReadBack)
-{
-    Snapshot snapshot;
-    snapshot.version = 1;
-    snapshot.settings.autoReconnect = false;
-    snapshot.settings.concurrentTransfers = -7;
-    snapshot.settings.retryLimit = 0;
-    snapshot.settings.useDarkTheme = false;
-    snapshot.settings.defaultProtocol = "ftp";
-    snapshot.settings.operationTimeoutMs = 0;
-    snapshot.settings.logLevel = -2;
-    snapshot.settings.uiLayoutJson = R"({"split":0.5})";
-    ASSERT_TRUE(store()->save(snapshot));
-
-    RawDatabase raw(databasePath());
-    EXPECT_EQ(raw.integer("SELECT count(*) FROM app_settings"), 1);
-    EXPECT_EQ(raw.integer("SELECT version FROM app_settings"), 3);
-    EXPECT_EQ(raw.integer("SELECT operation_timeout_ms FROM app_settings"), 30000);
-    EXPECT_EQ(raw.integer("SELECT log_level FROM app_settings"), 0);
-
-    auto const settings = store()->load()->settings;
-    EXPECT_FALSE(settings.autoReconnect);
-    EXPECT_EQ(settings.concurrentTransfers, -7);
-    EXPECT_EQ(settings.retryLimit, 0);
-    EXPECT_FALSE(settings.useDarkTheme);
-    EXPECT_EQ(settings.defaultProtocol, "ftp");
-    EXPECT_EQ(settings.operationTimeoutMs, 30000);
-    EXPECT_EQ(settings.logLevel, 0);
-    EXPECT_EQ(settings.uiLayoutJson, R"({"split":0.5})");
-}
-
-TEST_F(SqliteStoreTest, AnEmptySnapshotLeavesOneSettingsRowAndLoadsAsASnapshotWithoutProfiles)
+TEST_F(SqliteStoreTest, AnEmptySnapshotLeavesOneSettingsRowAndAnEmptySettingsTableLoadsDefaults)
 {
     ASSERT_TRUE(store()->save(Snapshot{}));
     {
         RawDatabase raw(databasePath());
         EXPECT_EQ(raw.integer("SELECT count(*) FROM app_settings"), 1);
         EXPECT_EQ(raw.integer("SELECT count(*) FROM site_profiles"), 0);
-        ASSERT_TRUE(raw.exec("DELETE FROM app_settings"));
+        ASSERT_TRUE(raw.exec("UPDATE app_settings SET log_level = 5"));
     }
-    auto const loaded = store()->load();
-    ASSERT_TRUE(loaded.has_value());
-    EXPECT_TRUE(loaded->profiles.empty());
-    EXPECT_EQ(loaded->settings.defaultProtocol, "sftp");
-    EXPECT_EQ(loaded->settings.logLevel, 2);
+    EXPECT_EQ(store()->load()->settings.logLevel, 5);
+    RawDatabase(databasePath()).exec("DELETE FROM app_settings");
+    EXPECT_EQ(store()->load(), Snapshot{});
 }
 
-TEST_F(SqliteStoreTest, EverySaveReplacesTheWholeContent)
+TEST_F(SqliteStoreTest, ASaveReplacesEverythingAndAFailedOneLeavesTheOldContent)
 {
-    Snapshot first;
-    first.profiles = {makeProfile(1, "a.example"), makeProfile(2, "b.example")};
-    ASSERT_TRUE(store()->save(first));
-    Snapshot second;
-    second.profiles = {makeProfile(5, "c.example")};
-    ASSERT_TRUE(store()->save(second));
-    auto const loaded = store()->load();
-    ASSERT_EQ(loaded->profiles.size(), 1U);
-    EXPECT_EQ(loaded->profiles[0].host, "c.example");
-}
-
-TEST_F(SqliteStoreTest, TwoProfilesWithOneIdFailTheSaveAndTheOldContentStays)
-{
-    Snapshot good;
-    good.profiles = {makeProfile(1, "kept.example")};
-    ASSERT_TRUE(store()->save(good));
-    Snapshot clash;
-    clash.profiles = {makeProfile(4, "x.example"), makeProfile(4, "y.example")};
-    EXPECT_FALSE(store()->save(clash));
+    ASSERT_TRUE(store()->save(withProfiles({makeProfile(1, "a.example"), makeProfile(2, "b.example")})));
+    ASSERT_TRUE(store()->save(withProfiles({makeProfile(5, "kept.example")})));
+    EXPECT_FALSE(store()->save(withProfiles({makeProfile(4, "x.example"), makeProfile(4, "y.example")})));
     auto const loaded = store()->load();
     ASSERT_EQ(loaded->profiles.size(), 1U);
     EXPECT_EQ(loaded->profiles[0].host, "kept.example");
@@ -176,15 +115,11 @@ TEST_F(SqliteStoreTest, TwoProfilesWithOneIdFailTheSaveAndTheOldContentStays)
 
 TEST_F(SqliteStoreTest, LoadCreatesTheTablesInADatabaseThatHasNone)
 {
-    {
-        RawDatabase raw(databasePath());
-        ASSERT_TRUE(raw.exec("PRAGMA user_version = 7"));
-    }
-    auto const loaded = store()->load();
-    ASSERT_TRUE(loaded.has_value());
-    EXPECT_TRUE(loaded->profiles.empty());
-    RawDatabase raw(databasePath());
-    EXPECT_EQ(raw.integer("SELECT count(*) FROM sqlite_master WHERE name IN ('app_settings', 'site_profiles')"), 2);
+    RawDatabase(databasePath()).exec("PRAGMA user_version = 7");
+    EXPECT_EQ(store()->load(), Snapshot{});
+    EXPECT_EQ(RawDatabase(databasePath())
+                  .integer("SELECT count(*) FROM sqlite_master WHERE name IN ('app_settings', 'site_profiles')"),
+        2);
 }
 
 TEST_F(SqliteStoreTest, NullTextsAndUnknownModeWordsReadAsDefaults)
@@ -201,8 +136,7 @@ TEST_F(SqliteStoreTest, NullTextsAndUnknownModeWordsReadAsDefaults)
                              "quick_connect, auto_connect, transfer_mode, connect_timeout_ms, "
                              "transfer_timeout_ms, use_encryption)"));
         ASSERT_TRUE(raw.exec("INSERT INTO site_profiles VALUES (1, 'a', 'ftp', 'h', 21, NULL, NULL, NULL, NULL, "
-                             "1, NULL, 5, 0, 0, 'Ascii', 0, 0, 0)"));
-        ASSERT_TRUE(raw.exec("INSERT INTO site_profiles VALUES (2, 'b', 'ftp', 'h2', 21, 'u', 's', 'l', 'r', "
+                             "1, NULL, 5, 0, 0, 'Ascii', 0, 0, 0), (2, 'b', 'ftp', 'h2', 21, 'u', 's', 'l', 'r', "
                              "1, 'G', 0, 0, 0, 'eager', 10, 20, 1)"));
     }
     auto const loaded = store()->load();
@@ -210,7 +144,6 @@ TEST_F(SqliteStoreTest, NullTextsAndUnknownModeWordsReadAsDefaults)
     EXPECT_EQ(loaded->settings.defaultProtocol, "sftp");
     EXPECT_EQ(loaded->settings.uiLayoutJson, "{}");
     EXPECT_EQ(loaded->settings.concurrentTransfers, 4);
-    EXPECT_EQ(loaded->settings.operationTimeoutMs, 100);
     ASSERT_EQ(loaded->profiles.size(), 2U);
     auto const& sparse = loaded->profiles[0];
     EXPECT_EQ(sparse.user, "");
@@ -218,7 +151,6 @@ TEST_F(SqliteStoreTest, NullTextsAndUnknownModeWordsReadAsDefaults)
     EXPECT_TRUE(sparse.favorite);
     EXPECT_EQ(sparse.transferMode, TransferMode::Binary);
     EXPECT_EQ(sparse.connectTimeoutMs, 10000);
-    EXPECT_EQ(sparse.transferTimeoutMs, 60000);
     EXPECT_EQ(loaded->profiles[1].transferMode, TransferMode::Eager);
 }
 
@@ -249,14 +181,9 @@ TEST_F(SqliteStoreTest, ADatabaseWithOtherColumnsLoadsNoProfilesAndRefusesToSave
         ASSERT_TRUE(raw.exec("CREATE TABLE site_profiles (id INTEGER PRIMARY KEY, name TEXT)"));
         ASSERT_TRUE(raw.exec("INSERT INTO site_profiles VALUES (1, 'old')"));
     }
-    auto const loaded = store()->load();
-    ASSERT_TRUE(loaded.has_value());
-    EXPECT_TRUE(loaded->profiles.empty());
-    Snapshot snapshot;
-    snapshot.profiles = {makeProfile(1, "h")};
-    EXPECT_FALSE(store()->save(snapshot));
-    RawDatabase raw(databasePath());
-    EXPECT_EQ(raw.text("SELECT name FROM site_profiles"), "old");
+    EXPECT_EQ(store()->load(), Snapshot{});
+    EXPECT_FALSE(store()->save(withProfiles({makeProfile(1, "h")})));
+    EXPECT_EQ(RawDatabase(databasePath()).text("SELECT name FROM site_profiles"), "old");
 }
 
 TEST_F(SqliteStoreTest, ADamagedDatabaseLoadsNothingAndIsNotOverwritten)
@@ -271,94 +198,69 @@ TEST_F(SqliteStoreTest, ADamagedDatabaseLoadsNothingAndIsNotOverwritten)
 
 TEST_F(SqliteStoreTest, ALockedDatabaseStillLoadsItsCommittedContentAndRefusesASaveAtOnce)
 {
-    Snapshot committed;
-    committed.profiles = {makeProfile(1, "committed.example")};
-    ASSERT_TRUE(store()->save(committed));
-
+    ASSERT_TRUE(store()->save(withProfiles({makeProfile(1, "committed.example")})));
     RawDatabase writer(databasePath());
     ASSERT_TRUE(writer.exec("BEGIN IMMEDIATE TRANSACTION"));
     ASSERT_TRUE(writer.exec("UPDATE site_profiles SET host = 'uncommitted.example'"));
 
     auto const loaded = store()->load();
     ASSERT_TRUE(loaded.has_value());
-    ASSERT_EQ(loaded->profiles.size(), 1U);
-    EXPECT_EQ(loaded->profiles[0].host, "committed.example");
+    EXPECT_EQ(loaded->profiles.at(0).host, "committed.example");
 
     auto const started = std::chrono::steady_clock::now();
     EXPECT_FALSE(store()->save(Snapshot{}));
     EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::milliseconds(500));
-
     ASSERT_TRUE(writer.exec("ROLLBACK"));
     EXPECT_EQ(store()->load()->profiles.size(), 1U);
 }
 
 TEST_F(SqliteStoreTest, AFileThatIsNeitherDatabaseNorLegacyLoadsNothingAndIsReplacedBySave)
 {
-    test::writeFile(databasePath(), std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16));
-    EXPECT_FALSE(store()->load().has_value());
-    Snapshot snapshot;
-    snapshot.profiles = {makeProfile(3, "fresh.example")};
-    ASSERT_TRUE(store()->save(snapshot));
-    EXPECT_TRUE(detail::fileLooksLikeSqliteDatabase(databasePath()));
-    EXPECT_EQ(store()->load()->profiles.at(0).host, "fresh.example");
+    for (std::string const& junk : {std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), std::string()}) {
+        test::writeFile(databasePath(), junk);
+        EXPECT_FALSE(store()->load().has_value());
+        ASSERT_TRUE(store()->save(withProfiles({makeProfile(3, "fresh.example")})));
+        EXPECT_TRUE(detail::fileLooksLikeSqliteDatabase(databasePath()));
+        EXPECT_EQ(store()->load()->profiles.at(0).host, "fresh.example");
+        fs::remove(databasePath());
+    }
 }
 
-TEST_F(SqliteStoreTest, AnEmptyFileLoadsNothingAndTheNextSaveReplacesIt)
+TEST_F(SqliteStoreTest, ALegacyFileIsReadAndReplacedByADatabaseAtTheFirstSave)
 {
-    test::writeFile(databasePath(), "");
-    EXPECT_FALSE(store()->load().has_value());
-    ASSERT_TRUE(store()->save(Snapshot{}));
-    EXPECT_TRUE(store()->load().has_value());
-}
-
-TEST_F(SqliteStoreTest, ALegacyFileIsReadAndThenReplacedByADatabaseAtTheFirstSave)
-{
-    test::writeFile(databasePath(), "3 1\n1\n2\n3\n1\n30000\n2\n{}\n"
-                                    "4\nLegacy\nftp\nold.example\n21\nbob\nhunter2\n/l\n/r\n1\nGroup\n0\n0\n0\nbinary\n"
-                                    "10000\n60000\n1\n");
+    test::writeFile(databasePath(), kLegacyText);
     auto const loaded = store()->load();
     ASSERT_TRUE(loaded.has_value());
-    ASSERT_EQ(loaded->profiles.size(), 1U);
-    EXPECT_EQ(loaded->profiles[0].host, "old.example");
+    EXPECT_EQ(loaded->profiles.at(0).secretRef, "hunter2");
     EXPECT_FALSE(detail::fileLooksLikeSqliteDatabase(databasePath()));
-
     ASSERT_TRUE(store()->save(*loaded));
     EXPECT_TRUE(detail::fileLooksLikeSqliteDatabase(databasePath()));
-    EXPECT_EQ(store()->load()->profiles.at(0).secretRef, "hunter2");
+    EXPECT_EQ(store()->load(), loaded);
 }
 
 TEST_F(SqliteStoreTest, ALegacyFileIsGoneEvenWhenTheSaveThatReplacesItFails)
 {
-    test::writeFile(databasePath(), "3 1\n1\n2\n3\n1\n30000\n2\n{}\n"
-                                    "4\nLegacy\nftp\nold.example\n21\nbob\nhunter2\n/l\n/r\n1\nGroup\n0\n0\n0\nbinary\n"
-                                    "10000\n60000\n1\n");
-    Snapshot clash;
-    clash.profiles = {makeProfile(4, "x.example"), makeProfile(4, "y.example")};
-    EXPECT_FALSE(store()->save(clash));
-    auto const after = store()->load();
-    ASSERT_TRUE(after.has_value());
-    EXPECT_TRUE(after->profiles.empty());
+    test::writeFile(databasePath(), kLegacyText);
+    EXPECT_FALSE(store()->save(withProfiles({makeProfile(4, "x.example"), makeProfile(4, "y.example")})));
+    EXPECT_EQ(store()->load(), Snapshot{});
 }
 
-TEST_F(SqliteStoreTest, ASaveWhoseFolderCannotBeMadeFailsAndChangesNothing)
+TEST_F(SqliteStoreTest, ASaveWhoseFolderCannotBeMadeOrWhosePathIsAFolderFailsAndChangesNothing)
 {
     test::writeFile(dir.path() / "blocker", "not a folder");
     auto const blocked = createFileStore((dir.path() / "blocker" / "sub" / "perchftp-sites.db").string());
     EXPECT_FALSE(blocked->save(Snapshot{}));
     EXPECT_FALSE(blocked->load().has_value());
     EXPECT_EQ(test::readFile(dir.path() / "blocker"), "not a folder");
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 1);
-}
 
-TEST_F(SqliteStoreTest, AFolderAtThePathIsNeitherLoadedNorReplaced)
-{
     fs::create_directory(databasePath());
     EXPECT_FALSE(store()->load().has_value());
     EXPECT_FALSE(store()->save(Snapshot{}));
-    EXPECT_TRUE(fs::is_directory(databasePath()));
+    EXPECT_TRUE(fs::is_empty(databasePath()));
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 2);
 }
 
-// Restores the umask on scope exit.
+// Sets the umask for the life of the object.
 class Umask {
 public:
     explicit Umask(mode_t mask)
@@ -396,9 +298,7 @@ TEST_F(SqliteStoreTest, ARewriteNarrowsTheDatabaseAndItsCompanionFilesToTheOwner
         ASSERT_TRUE(fs::exists(databasePath() + suffix)) << suffix;
         fs::permissions(databasePath() + suffix, fs::perms(0644));
     }
-    Snapshot snapshot;
-    snapshot.profiles = {makeProfile(1, "h")};
-    ASSERT_TRUE(store()->save(snapshot));
+    ASSERT_TRUE(store()->save(withProfiles({makeProfile(1, "h")})));
     for (auto const* suffix : {"", "-wal", "-shm"}) {
         EXPECT_EQ(permissionBits(databasePath() + suffix), 0600) << suffix;
     }

@@ -5,7 +5,36 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <ostream>
 #include <string>
+
+namespace perchftp::storage {
+
+// Readable failure messages for the records.
+inline void PrintTo(SiteProfile const& p, std::ostream* out)
+{
+    *out << "{id " << p.id << ", name '" << p.name << "', " << p.protocol << "://" << p.user << "@" << p.host << ":"
+         << p.port << ", secret '" << p.secretRef << "', roots '" << p.localRoot << "' '" << p.remoteRoot
+         << "', status " << p.status << ", group '" << p.group << "', flags " << p.favorite << p.quickConnect
+         << p.autoConnect << p.useEncryption << ", mode " << static_cast<int>(p.transferMode) << ", timeouts "
+         << p.connectTimeoutMs << "/" << p.transferTimeoutMs << "}";
+}
+
+inline void PrintTo(Snapshot const& s, std::ostream* out)
+{
+    auto const& settings = s.settings;
+    *out << "{version " << s.version << ", settings {" << settings.autoReconnect << " "
+         << settings.concurrentTransfers << " " << settings.retryLimit << " " << settings.useDarkTheme << " '"
+         << settings.defaultProtocol << "' " << settings.operationTimeoutMs << " " << settings.logLevel << " '"
+         << settings.uiLayoutJson << "'}, " << s.profiles.size() << " profiles";
+    for (auto const& profile : s.profiles) {
+        *out << " ";
+        PrintTo(profile, out);
+    }
+    *out << "}";
+}
+
+} // namespace perchftp::storage
 
 namespace perchftp::test {
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <regex>
 #include <string>
 #include <vector>
@@ -9,7 +10,9 @@
 namespace perchftp::transfer {
 namespace {
 
-std::uint64_t enqueueUpload(TransferQueue& queue, int priority = 1, int maxRetries = 3)
+using Ids = std::vector<std::uint64_t>;
+
+std::uint64_t add(TransferQueue& queue, int priority = 1, int maxRetries = 3)
 {
     return queue.enqueue(JobType::Upload, "ftp", "/home/ana/report.pdf", "/srv/report.pdf", priority, maxRetries);
 }
@@ -25,24 +28,7 @@ TransferQueueItem job(TransferQueue const& queue, std::uint64_t id)
     return {};
 }
 
-TEST(TransferQueueItemDefaults, ADefaultRecordHoldsTheDocumentedDefaults)
-{
-    TransferQueueItem const item;
-    EXPECT_EQ(item.id, 0U);
-    EXPECT_EQ(item.type, JobType::Upload);
-    EXPECT_EQ(item.state, JobState::Queued);
-    EXPECT_EQ(item.priority, 0);
-    EXPECT_EQ(item.retryCount, 0);
-    EXPECT_EQ(item.maxRetries, 3);
-    EXPECT_EQ(item.progressPercent, 0.0);
-    EXPECT_EQ(item.transferredBytes, 0U);
-    EXPECT_EQ(item.totalBytes, 0U);
-    EXPECT_TRUE(item.protocolName.empty() && item.localPath.empty() && item.remotePath.empty());
-    EXPECT_TRUE(item.error.empty() && item.timestamp.empty());
-    EXPECT_FALSE(item.reservedFlag);
-}
-
-TEST(TransferQueueEnqueue, CopiesTheArgumentsStampsTheJobAndStartsItQueued)
+TEST(TransferQueueEnqueue, CopiesTheArgumentsStampsTheJobAndRaisesTheRetryLimitToAtLeastOne)
 {
     TransferQueue queue;
     auto const id = queue.enqueue(JobType::Download, "sftp", "/tmp/a.txt", "/data/a.txt", -5, 7);
@@ -56,39 +42,27 @@ TEST(TransferQueueEnqueue, CopiesTheArgumentsStampsTheJobAndStartsItQueued)
     EXPECT_EQ(item.priority, -5);
     EXPECT_EQ(item.maxRetries, 7);
     EXPECT_TRUE(std::regex_match(item.timestamp, std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)"))) << item.timestamp;
+    EXPECT_EQ(job(queue, add(queue, 1, 0)).maxRetries, 1);
+    EXPECT_EQ(job(queue, add(queue, 1, -5)).maxRetries, 1);
 }
 
-TEST(TransferQueueEnqueue, RaisesAZeroOrNegativeRetryLimitToOne)
-{
-    TransferQueue queue;
-    EXPECT_EQ(job(queue, enqueueUpload(queue, 1, 0)).maxRetries, 1);
-    EXPECT_EQ(job(queue, enqueueUpload(queue, 1, -5)).maxRetries, 1);
-    EXPECT_EQ(job(queue, enqueueUpload(queue, 1, 1)).maxRetries, 1);
-}
-
-TEST(TransferQueueEnqueue, RefusesAnEmptyPathOrProtocolWithoutUsingUpAnId)
+TEST(TransferQueueEnqueue, ARefusalUsesUpNoIdAndClearDoesNotResetThem)
 {
     TransferQueue queue;
     int notifications = 0;
     queue.observe(0, [&notifications](TransferQueueItem const&) { ++notifications; });
-
-    EXPECT_EQ(enqueueUpload(queue), 1U);
+    EXPECT_EQ(add(queue), 1U);
     EXPECT_EQ(queue.enqueue(JobType::Upload, "ftp", "", "/r", 0, 3), 0U);
     EXPECT_EQ(queue.enqueue(JobType::Upload, "ftp", "/l", "", 0, 3), 0U);
     EXPECT_EQ(queue.enqueue(JobType::Upload, "", "/l", "/r", 0, 3), 0U);
-    EXPECT_EQ(enqueueUpload(queue), 2U);
-    EXPECT_EQ(queue.snapshot().size(), 2U);
+    EXPECT_EQ(add(queue), 2U);
     EXPECT_EQ(notifications, 2);
-}
 
-TEST(TransferQueueEnqueue, IdsKeepRisingAfterClear)
-{
-    TransferQueue queue;
-    enqueueUpload(queue);
-    enqueueUpload(queue);
     queue.clear();
     EXPECT_TRUE(queue.snapshot().empty());
-    EXPECT_EQ(enqueueUpload(queue), 3U);
+    EXPECT_EQ(notifications, 2); // clear tells nobody
+    EXPECT_EQ(add(queue), 3U);
+    EXPECT_EQ(notifications, 3); // and keeps the observers
 }
 
 TEST(TransferQueueEnqueue, APausedQueueStartsJobsPausedAndProgressKeepsThemPaused)
@@ -96,233 +70,123 @@ TEST(TransferQueueEnqueue, APausedQueueStartsJobsPausedAndProgressKeepsThemPause
     TransferQueue queue;
     EXPECT_TRUE(queue.setQueuePaused(true));
     EXPECT_TRUE(queue.isQueuePaused());
-    auto const id = enqueueUpload(queue);
-    EXPECT_EQ(job(queue, id).state, JobState::Paused);
-
+    auto const id = add(queue);
     ASSERT_TRUE(queue.simulateProgress(id, 25, 50));
     auto const item = job(queue, id);
     EXPECT_EQ(item.state, JobState::Paused);
-    EXPECT_EQ(item.transferredBytes, 25U);
     EXPECT_EQ(item.progressPercent, 50.0);
 
-    // Lifting the flag leaves the job alone and only affects later jobs.
     EXPECT_TRUE(queue.setQueuePaused(false));
     EXPECT_EQ(job(queue, id).state, JobState::Paused);
-    EXPECT_EQ(job(queue, enqueueUpload(queue)).state, JobState::Queued);
+    EXPECT_EQ(job(queue, add(queue)).state, JobState::Queued);
 }
 
-TEST(TransferQueueProgress, ClampsTransferredBytesToTheTotal)
+TEST(TransferQueueProgress, ClampsToTheTotalAndRefusesATotalOfZero)
 {
     TransferQueue queue;
-    auto const id = enqueueUpload(queue);
+    auto const id = add(queue);
     ASSERT_TRUE(queue.simulateProgress(id, 500, 100));
-    auto const item = job(queue, id);
+    auto item = job(queue, id);
     EXPECT_EQ(item.transferredBytes, 100U);
     EXPECT_EQ(item.totalBytes, 100U);
     EXPECT_EQ(item.progressPercent, 100.0);
-    EXPECT_EQ(item.state, JobState::Running);
-}
 
-TEST(TransferQueueProgress, ATotalOfZeroIsRefusedAndTheEarlierFiguresStay)
-{
-    TransferQueue queue;
-    auto const id = enqueueUpload(queue);
     ASSERT_TRUE(queue.simulateProgress(id, 1, 3));
     EXPECT_FALSE(queue.simulateProgress(id, 2, 0));
-    auto const item = job(queue, id);
+    item = job(queue, id);
     EXPECT_EQ(item.transferredBytes, 1U);
-    EXPECT_EQ(item.totalBytes, 3U);
     EXPECT_DOUBLE_EQ(item.progressPercent, 100.0 / 3.0);
-}
 
-TEST(TransferQueueProgress, HugeByteCountsStayWithinAHundredPercent)
-{
-    TransferQueue queue;
-    auto const id = enqueueUpload(queue);
-    auto const max = ~std::uint64_t{0};
-    ASSERT_TRUE(queue.simulateProgress(id, max, max));
-    EXPECT_EQ(job(queue, id).progressPercent, 100.0);
+    auto const max = std::numeric_limits<std::uint64_t>::max();
     ASSERT_TRUE(queue.simulateProgress(id, max - 1, max));
     EXPECT_LE(job(queue, id).progressPercent, 100.0);
 }
 
-TEST(TransferQueueComplete, SuccessFillsTheProgressAndIgnoresTheMessage)
+TEST(TransferQueueComplete, SuccessFillsTheProgressAndFailureKeepsItWithAMessage)
 {
     TransferQueue queue;
-    auto const id = enqueueUpload(queue);
-    ASSERT_TRUE(queue.complete(id, true, "anything"));
-    auto const item = job(queue, id);
-    EXPECT_EQ(item.state, JobState::Completed);
+    auto const fresh = add(queue);
+    ASSERT_TRUE(queue.complete(fresh, true, "anything"));
+    auto item = job(queue, fresh);
     EXPECT_EQ(item.progressPercent, 100.0);
     EXPECT_EQ(item.transferredBytes, 0U);
-    EXPECT_EQ(item.totalBytes, 0U);
     EXPECT_EQ(item.error, "");
-}
 
-TEST(TransferQueueComplete, SuccessAfterProgressSetsTransferredToTheLastTotal)
-{
-    TransferQueue queue;
-    auto const id = enqueueUpload(queue);
-    ASSERT_TRUE(queue.simulateProgress(id, 10, 80));
-    ASSERT_TRUE(queue.complete(id, false, "broken pipe"));
-    ASSERT_TRUE(queue.complete(id, true, ""));
-    auto const item = job(queue, id);
-    EXPECT_EQ(item.transferredBytes, 80U);
-    EXPECT_EQ(item.error, "");
-}
-
-TEST(TransferQueueComplete, FailureKeepsTheFiguresAndRecordsTheMessageOrADefault)
-{
-    TransferQueue queue;
-    auto const id = enqueueUpload(queue);
-    ASSERT_TRUE(queue.simulateProgress(id, 40, 80));
-    ASSERT_TRUE(queue.complete(id, false, ""));
-    auto item = job(queue, id);
-    EXPECT_EQ(item.state, JobState::Failed);
+    auto const partial = add(queue);
+    ASSERT_TRUE(queue.simulateProgress(partial, 40, 80));
+    ASSERT_TRUE(queue.complete(partial, false, ""));
+    item = job(queue, partial);
     EXPECT_EQ(item.error, "transfer failed");
     EXPECT_EQ(item.transferredBytes, 40U);
     EXPECT_EQ(item.progressPercent, 50.0);
+    ASSERT_TRUE(queue.complete(partial, false, "550 Permission denied"));
+    EXPECT_EQ(job(queue, partial).error, "550 Permission denied");
 
-    ASSERT_TRUE(queue.complete(id, false, "550 Permission denied"));
-    EXPECT_EQ(job(queue, id).error, "550 Permission denied");
+    ASSERT_TRUE(queue.complete(partial, true, ""));
+    EXPECT_EQ(job(queue, partial).transferredBytes, 80U);
+    EXPECT_EQ(job(queue, partial).error, "");
+    ASSERT_TRUE(queue.cancel(partial)); // overrules Completed and empties nothing but the error
+    EXPECT_EQ(job(queue, partial).progressPercent, 100.0);
 }
 
-TEST(TransferQueueTerminalStates, CancelOverrulesCompletedAndEmptiesOnlyTheError)
+TEST(TransferQueueObservers, ObserveCallsOnlyTheNewObserverAtOnceAndKeepsOneForAnUnknownId)
 {
     TransferQueue queue;
-    auto const id = enqueueUpload(queue);
-    ASSERT_TRUE(queue.simulateProgress(id, 5, 5));
-    ASSERT_TRUE(queue.complete(id, true, ""));
-    ASSERT_TRUE(queue.cancel(id));
-    auto const item = job(queue, id);
-    EXPECT_EQ(item.state, JobState::Canceled);
-    EXPECT_EQ(item.progressPercent, 100.0);
-    EXPECT_EQ(item.transferredBytes, 5U);
-
-    ASSERT_TRUE(queue.skip(id, ""));
-    EXPECT_EQ(job(queue, id).error, "");
-    ASSERT_TRUE(queue.skip(id, "target exists"));
-    EXPECT_EQ(job(queue, id).error, "target exists");
-}
-
-TEST(TransferQueueRetry, KeepsTheOldFiguresUntilTheNextProgressReport)
-{
-    TransferQueue queue;
-    auto const id = enqueueUpload(queue);
-    ASSERT_TRUE(queue.simulateProgress(id, 30, 120));
-    ASSERT_TRUE(queue.complete(id, false, "reset"));
-    ASSERT_TRUE(queue.retry(id));
-    auto const item = job(queue, id);
-    EXPECT_EQ(item.state, JobState::Queued);
-    EXPECT_EQ(item.transferredBytes, 30U);
-    EXPECT_EQ(item.totalBytes, 120U);
-    EXPECT_EQ(item.progressPercent, 25.0);
-}
-
-TEST(TransferQueueObservers, ObserveCallsOnlyTheNewObserverOnceForAKnownJob)
-{
-    TransferQueue queue;
-    auto const id = enqueueUpload(queue);
+    auto const id = add(queue);
     auto const stamp = job(queue, id).timestamp;
-    std::vector<std::uint64_t> first;
-    std::vector<std::uint64_t> second;
+    Ids first;
+    Ids second;
     ASSERT_TRUE(queue.observe(id, [&first](TransferQueueItem const& item) { first.push_back(item.id); }));
-    ASSERT_TRUE(queue.observe(id, [&second](TransferQueueItem const& item) { second.push_back(item.id); }));
-    EXPECT_EQ(first, std::vector<std::uint64_t>{id});
-    EXPECT_EQ(second, std::vector<std::uint64_t>{id});
+    EXPECT_FALSE(queue.observe(42, [&second](TransferQueueItem const& item) { second.push_back(item.id); }));
+    EXPECT_EQ(first, Ids{id});
+    EXPECT_TRUE(second.empty());
     EXPECT_EQ(job(queue, id).timestamp, stamp);
 
-    auto const other = enqueueUpload(queue);
-    EXPECT_EQ(first, (std::vector<std::uint64_t>{id, other}));
-    EXPECT_EQ(second, (std::vector<std::uint64_t>{id, other}));
-}
-
-TEST(TransferQueueObservers, AnUnknownIdIsReportedButTheObserverStaysRegistered)
-{
-    TransferQueue queue;
-    int calls = 0;
-    EXPECT_FALSE(queue.observe(42, [&calls](TransferQueueItem const&) { ++calls; }));
-    EXPECT_EQ(calls, 0);
-    enqueueUpload(queue);
-    EXPECT_EQ(calls, 1);
-}
-
-TEST(TransferQueueObservers, AnEmptyCallableIsRefusedAndNeverStored)
-{
-    TransferQueue queue;
-    auto const id = enqueueUpload(queue);
     EXPECT_FALSE(queue.observe(id, TransferQueue::Observer{}));
-    EXPECT_TRUE(queue.pause(id)); // would throw bad_function_call if the empty one had been kept
+    auto const other = add(queue); // an empty observer kept would throw here
+    EXPECT_EQ(first, (Ids{id, other}));
+    EXPECT_EQ(second, Ids{other});
 }
 
-TEST(TransferQueueObservers, ClearKeepsObserversAndNotifiesNobody)
+TEST(TransferQueueObservers, AnObserverThatEnqueuesObservesOrClearsLeavesTheNotificationSound)
 {
     TransferQueue queue;
-    int calls = 0;
-    queue.observe(0, [&calls](TransferQueueItem const&) { ++calls; });
-    auto const id = enqueueUpload(queue);
-    ASSERT_TRUE(queue.simulateProgress(id, 1, 2)); // a Running job goes as well
-    calls = 0;
-    queue.clear();
-    EXPECT_EQ(calls, 0);
-    EXPECT_TRUE(queue.snapshot().empty());
-    enqueueUpload(queue);
-    EXPECT_EQ(calls, 1);
-}
-
-TEST(TransferQueueObservers, ObserversRunInOrderOfRegistrationAndSeeTheChangedRecord)
-{
-    TransferQueue queue;
-    auto const id = enqueueUpload(queue);
-    std::vector<std::string> seen;
-    queue.observe(0, [&seen](TransferQueueItem const& item) { seen.push_back("a:" + item.error); });
-    queue.observe(0, [&seen](TransferQueueItem const& item) { seen.push_back("b:" + item.error); });
-    ASSERT_TRUE(queue.complete(id, false, "quota"));
-    EXPECT_EQ(seen, (std::vector<std::string>{"a:quota", "b:quota"}));
-}
-
-TEST(TransferQueueObservers, AnObserverThatChangesTheQueueDoesNotPullTheRecordAwayFromTheOthers)
-{
-    TransferQueue queue;
-    std::vector<std::uint64_t> seenByLater;
-    bool reentered = false;
+    Ids seenByLater;
+    bool busy = false;
     queue.observe(0, [&](TransferQueueItem const&) {
-        if (!reentered) {
-            reentered = true;
-            for (int i = 0; i < 100; ++i) {
-                enqueueUpload(queue);
-            }
-            queue.observe(0, [](TransferQueueItem const&) {});
+        if (busy) {
+            return;
         }
+        busy = true;
+        for (int i = 0; i < 100; ++i) {
+            add(queue); // may move records around in a growing sequence
+        }
+        queue.observe(0, [](TransferQueueItem const&) {});
     });
     queue.observe(0, [&seenByLater](TransferQueueItem const& item) { seenByLater.push_back(item.id); });
-    EXPECT_EQ(enqueueUpload(queue), 1U);
+    EXPECT_EQ(add(queue), 1U);
     ASSERT_FALSE(seenByLater.empty());
     EXPECT_EQ(seenByLater.back(), 1U);
-    EXPECT_EQ(queue.snapshot().size(), 101U);
-}
 
-TEST(TransferQueueObservers, AnObserverThatClearsTheQueueEndsTheNotification)
-{
-    TransferQueue queue;
+    TransferQueue clearing;
     int laterCalls = 0;
-    queue.observe(0, [&queue](TransferQueueItem const&) { queue.clear(); });
-    queue.observe(0, [&laterCalls](TransferQueueItem const&) { ++laterCalls; });
-    EXPECT_EQ(enqueueUpload(queue), 1U);
-    EXPECT_EQ(laterCalls, 0);
-    EXPECT_TRUE(queue.snapshot().empty());
+    clearing.observe(0, [&clearing](TransferQueueItem const&) { clearing.clear(); });
+    clearing.observe(0, [&laterCalls](TransferQueueItem const&) { ++laterCalls; });
+    EXPECT_EQ(add(clearing), 1U);
+    EXPECT_EQ(laterCalls, 0); // the record is gone, so nobody after the clearing observer sees it
 }
 
-TEST(TransferQueueLookup, FindsEveryJobAmongManyAfterAClear)
+TEST(TransferQueueLookup, FindsEveryJobAmongManyAfterAClearAndRefusals)
 {
     TransferQueue queue;
     for (int i = 0; i < 10; ++i) {
-        enqueueUpload(queue);
+        add(queue);
     }
     queue.clear();
-    std::vector<std::uint64_t> ids;
+    Ids ids;
     for (int i = 0; i < 1000; ++i) {
-        ids.push_back(enqueueUpload(queue));
+        ids.push_back(add(queue));
+        EXPECT_EQ(queue.enqueue(JobType::Upload, "ftp", "", "/r", 0, 3), 0U);
     }
     for (auto const id : ids) {
         ASSERT_TRUE(queue.skip(id, std::to_string(id)));
@@ -334,6 +198,47 @@ TEST(TransferQueueLookup, FindsEveryJobAmongManyAfterAClear)
     EXPECT_FALSE(queue.skip(ids.back() + 1, "not yet"));
 }
 
+TEST(TransferQueueScheduleOrder, KeepsRunnableJobsByPriorityHighToLowThenByEnqueueOrder)
+{
+    TransferQueue queue;
+    EXPECT_TRUE(queue.scheduleOrder().empty());
+    queue.skip(add(queue), "");
+    queue.complete(add(queue), true, "");
+    queue.complete(add(queue), false, "");
+    queue.cancel(add(queue));
+    EXPECT_TRUE(queue.scheduleOrder().empty());
+
+    auto const low = add(queue, 1);
+    auto const high = add(queue, 5);
+    auto const lowLater = add(queue, 1);
+    auto const paused = add(queue, 9);
+    auto const running = add(queue, 4);
+    auto const negative = add(queue, -1);
+    auto const lowest = add(queue, std::numeric_limits<int>::min());
+    queue.pause(paused);
+    queue.simulateProgress(running, 1, 2);
+    Ids const expected{paused, high, running, low, lowLater, negative, lowest};
+    EXPECT_EQ(queue.scheduleOrder(), expected);
+
+    int notifications = 0;
+    queue.observe(0, [&notifications](TransferQueueItem const&) { ++notifications; });
+    auto const before = queue.snapshot();
+    EXPECT_EQ(queue.scheduleOrder(), expected);
+    EXPECT_EQ(queue.snapshot(), before);
+    EXPECT_EQ(notifications, 0);
+}
+
+TEST(TransferQueueScheduleOrder, ARetriedJobComesBackAtThePlaceOfItsOldId)
+{
+    TransferQueue queue;
+    auto const first = add(queue, 2);
+    auto const second = add(queue, 2);
+    queue.complete(first, false, "");
+    EXPECT_EQ(queue.scheduleOrder(), Ids{second});
+    queue.retry(first);
+    EXPECT_EQ(queue.scheduleOrder(), (Ids{first, second}));
+}
+
 TEST(TransferQueueService, ForwardsTheInterfaceToItsQueueAndExposesTheRest)
 {
     TransferQueue seeded;
@@ -342,7 +247,6 @@ TEST(TransferQueueService, ForwardsTheInterfaceToItsQueueAndExposesTheRest)
     ITransferQueue& api = service;
 
     auto const id = api.enqueue(JobType::Upload, "ftps", "/l", "/r", 1, 3);
-    EXPECT_EQ(id, 1U);
     EXPECT_EQ(service.queue().snapshot().front().state, JobState::Paused);
     EXPECT_TRUE(api.resume(id));
     EXPECT_TRUE(api.pause(id));
@@ -350,12 +254,11 @@ TEST(TransferQueueService, ForwardsTheInterfaceToItsQueueAndExposesTheRest)
     EXPECT_TRUE(api.retry(id));
     EXPECT_TRUE(api.cancel(id));
     EXPECT_FALSE(api.pause(id));
-    TransferQueueService const& constant = service;
-    EXPECT_EQ(constant.queue().snapshot().front().state, JobState::Canceled);
 
     TransferQueueService moved;
     moved = std::move(service);
-    EXPECT_EQ(moved.queue().snapshot().size(), 1U);
+    TransferQueueService const& constant = moved;
+    EXPECT_EQ(constant.queue().snapshot().front().state, JobState::Canceled);
     EXPECT_EQ(moved.enqueue(JobType::Download, "ftp", "/l", "/r", 1, 3), 2U);
 }
 
