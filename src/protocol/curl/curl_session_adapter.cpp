@@ -17,10 +17,10 @@ namespace {
 
 using detail::EasyHandle;
 
-// Transfer buffers larger than libcurl's defaults (16 KiB down, 64 KiB up) halve the system calls
-// of a large transfer over a fast link.
-constexpr long kDownloadBufferSize = 512L * 1024;
-constexpr long kUploadBufferSize = 512L * 1024;
+// Transfer buffers larger than libcurl's defaults (16 KiB down, 64 KiB up): on loopback they keep
+// SFTP downloads from crawling in 16 KiB reads and cut the system calls of FTP transfers.
+constexpr long kDownloadBufferSize = 256L * 1024;
+constexpr long kUploadBufferSize = 256L * 1024;
 
 SessionResult succeeded(std::string message)
 {
