@@ -4,6 +4,7 @@
 #include "support/servers/ftp_test_server.hpp"
 #include "support/servers/silent_listener.hpp"
 #include "support/servers/sshd_test_server.hpp"
+#include "support/servers/test_certificates.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gmock/gmock.h>
@@ -82,15 +83,45 @@ TEST(SessionLimits, FailsAnUploadThatNeedsLongerThanSixtySeconds)
     EXPECT_GT(failed.transferred, 0u);
 }
 
-TEST(SessionLimits, RefusesAnFtpServerMetBySftpWithinTheConnectLimit)
+// A client of one protocol meeting a server of another waits for a greeting that never comes in
+// its own language, and gives up at the connect limit.
+void expectRefusedAtTheConnectLimit(char const* protocolName, int port, std::string const& user,
+                                    std::string const& password)
+{
+    auto session = makeSession(protocolName);
+    auto const start = Clock::now();
+    SessionResult const result = session->connect("127.0.0.1", port, user, password);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_THAT(result.message, StartsWith(std::string(protocolName) + " connect: "));
+    EXPECT_FALSE(session->isConnected());
+    EXPECT_LT(secondsSince(start), 15.0);
+}
+
+TEST(SessionLimits, RefusesAnFtpServerMetBySftp)
 {
     FtpTestServer server;
-    auto session = makeSession("sftp");
-    auto const start = Clock::now();
-    SessionResult const result = session->connect("127.0.0.1", server.port(), server.user(), server.password());
-    EXPECT_EQ(result.code, 1);
-    EXPECT_THAT(result.message, StartsWith("sftp connect: "));
-    EXPECT_LT(secondsSince(start), 70.0);
+    expectRefusedAtTheConnectLimit("sftp", server.port(), server.user(), server.password());
+}
+
+TEST(SessionLimits, RefusesAnImplicitTlsServerMetByPlainFtp)
+{
+    TestCertificates certificates;
+    FtpTestServerOptions options;
+    options.implicitTls = true;
+    options.certificateFile = certificates.serverCertificate();
+    options.keyFile = certificates.serverKey();
+    FtpTestServer server(options);
+    expectRefusedAtTheConnectLimit("ftp", server.port(), server.user(), server.password());
+}
+
+TEST(SessionLimits, RefusesAnSshServerMetByFtp)
+{
+    std::string const reason = SshdTestServer::whyUnavailable();
+    if (!reason.empty()) {
+        GTEST_SKIP() << "skipped: sshd " << reason;
+    }
+    SshdTestServer sshd;
+    expectRefusedAtTheConnectLimit("ftp", sshd.port(), sshd.user(), sshd.password());
 }
 
 } // namespace

@@ -161,15 +161,5 @@ TEST_F(SftpSession, PassesChmodThroughWithoutChangingAnythingButChecksTheModeFir
     EXPECT_EQ(negative.message, "sftp chmod: invalid mode");
 }
 
-TEST_F(SftpSession, IsRefusedByAnFtpSession)
-{
-    auto ftpSession = makeSession("ftp");
-    SessionResult const other = ftpSession->connect("127.0.0.1", server_->port(), server_->user(),
-                                                    server_->password());
-    EXPECT_FALSE(other.ok);
-    EXPECT_EQ(other.code, 1);
-    EXPECT_THAT(other.message, StartsWith("ftp connect: "));
-}
-
 } // namespace
 } // namespace perchftp::test
