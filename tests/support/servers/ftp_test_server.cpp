@@ -34,12 +34,6 @@ void writeBytes(std::filesystem::path const& path, std::string const& bytes, std
     out << bytes;
 }
 
-std::string readBytes(std::filesystem::path const& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 } // namespace
 
 std::filesystem::path testServersFolder()
