@@ -138,7 +138,7 @@ void benchTransfers(Endpoint const& endpoint, std::filesystem::path const& sourc
     std::string const insecure = std::string(endpoint.protocol) == "sftp" ? " --insecure" : "";
     std::filesystem::path const target = folder / "downloaded.bin";
     std::vector<double> up, curlUp, down, curlDown, extra;
-    for (int run = 0; run < 2; ++run) {
+    for (int run = 0; run < 3; ++run) {
         up.push_back(timeSeconds([&] {
             require(session->upload({source.string(), endpoint.remoteFolder + "session.bin", false}, {}).ok, "upload");
         }));
