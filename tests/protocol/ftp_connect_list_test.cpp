@@ -66,16 +66,6 @@ TEST_P(FtpSession, PutsAPasswordWithAnAtSignIntoTheUrlUnescapedWhichLibcurlRefus
     }
 }
 
-TEST_P(FtpSession, TellsAServerOfAnotherProtocolApart)
-{
-    // The FTP server, met with the other FTP flavour: TLS against plain text or the reverse.
-    auto other = makeSession(tls() ? "ftp" : "ftps");
-    SessionResult const result = other->connect("127.0.0.1", server().port(), server().user(), server().password());
-    EXPECT_FALSE(result.ok);
-    EXPECT_EQ(result.code, 1);
-    EXPECT_FALSE(other->isConnected());
-}
-
 TEST_P(FtpSession, DisconnectsWithoutTalkingToTheServer)
 {
     auto fresh = makeSession(GetParam());
@@ -127,6 +117,22 @@ TEST_P(FtpSession, ListsAFolderAsAFolderUrlWhateverItsSpelling)
         ASSERT_TRUE(session().list(path, entries).ok);
         EXPECT_THAT(server().receivedCommands({"CWD", "LIST"}), ElementsAre("LIST")) << path;
     }
+}
+
+TEST_P(FtpSession, LeavesDotSegmentsToLibcurlWhichResolvesThemInTheUrl)
+{
+    std::filesystem::create_directories(server().local("/a/b"));
+    server().setListing("/a/b", "inner\n");
+    server().setListing("/", "top\n");
+    connectCleanly();
+    std::vector<RemoteEntry> entries;
+    ASSERT_TRUE(session().list("/a/../a/./b", entries).ok);
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].name, "inner");
+    ASSERT_TRUE(session().list("/a/..", entries).ok);
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].name, "top");
+    EXPECT_THAT(server().receivedCommands({"CWD", "LIST"}), ElementsAre("CWD a", "CWD b", "LIST", "LIST"));
 }
 
 TEST_P(FtpSession, ParsesScriptedRepliesExactlyAsTheyArrive)
@@ -187,6 +193,45 @@ TEST_P(FtpSession, ReplacesTheCallersEntriesWhenAListingWorks)
 }
 
 INSTANTIATE_TEST_SUITE_P(Protocols, FtpSession, testing::Values("ftp", "ftps"));
+
+TEST(FtpsSession, RefusesACertificateThatNoTrustedAuthoritySigned)
+{
+    TestCertificates trusted;
+    TestCertificates stranger;
+    std::string const reason = trustInPrivateMountNamespace(trusted.authorityCertificate());
+    if (!reason.empty()) {
+        GTEST_SKIP() << "FTPS test skipped: it " << reason;
+    }
+    FtpTestServerOptions options;
+    options.implicitTls = true;
+    options.certificateFile = stranger.serverCertificate();
+    options.keyFile = stranger.serverKey();
+    FtpTestServer strangerServer(options);
+    options.certificateFile = trusted.serverCertificate();
+    options.keyFile = trusted.serverKey();
+    FtpTestServer trustedServer(options);
+
+    auto session = makeSession("ftps");
+    SessionResult const refused = session->connect("127.0.0.1", strangerServer.port(), strangerServer.user(),
+                                                   strangerServer.password());
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_EQ(refused.message, "ftps connect: SSL peer certificate or SSH remote key was not OK");
+    EXPECT_FALSE(session->isConnected());
+    EXPECT_THAT(strangerServer.receivedCommands(), IsEmpty()) << "no credentials go to an untrusted server";
+
+    EXPECT_TRUE(session->connect("127.0.0.1", trustedServer.port(), trustedServer.user(), trustedServer.password()).ok);
+}
+
+TEST(FtpsSession, IsRefusedByAServerThatSpeaksPlainFtp)
+{
+    FtpTestServer server;
+    auto session = makeSession("ftps");
+    SessionResult const result = session->connect("127.0.0.1", server.port(), server.user(), server.password());
+    EXPECT_FALSE(result.ok);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_THAT(result.message, StartsWith("ftps connect: "));
+    EXPECT_FALSE(session->isConnected());
+}
 
 } // namespace
 } // namespace perchftp::test

@@ -199,6 +199,8 @@ TEST_P(FtpSession, LeavesNamesWithBlanksUnescapedSoLibcurlRefusesTheirUrls)
     SessionResult const up = session().upload({local_.file("local"), "/my \"quoted\" file", false}, {});
     EXPECT_EQ(up.code, 5);
     EXPECT_EQ(up.message, said(" upload: URL using bad/illegal format or missing URL"));
+    SessionResult const newline = session().download({local_.file("copy"), "/new\nline", false}, {});
+    EXPECT_EQ(newline.message, said(" download: URL using bad/illegal format or missing URL"));
     EXPECT_THAT(server().receivedCommands(), IsEmpty());
 }
 

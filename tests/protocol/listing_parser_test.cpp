@@ -184,6 +184,9 @@ TEST(ListingParser, ConvertsSizesLikeTheStandardUnsignedConversion)
     EXPECT_EQ(parseSize(""), 0u);
     EXPECT_EQ(parseSize("18446744073709551615"), kMax);
     EXPECT_EQ(parseSize("18446744073709551616"), 0u);
+    EXPECT_EQ(parseSize("-18446744073709551615"), 1u);
+    EXPECT_EQ(parseSize("\v\f12"), 12u);
+    EXPECT_EQ(parseSize("- 1"), 0u);
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "session_test_support.hpp"
-#include "support/servers/ftp_test_server.hpp"
 #include "support/servers/sshd_test_server.hpp"
 #include "support/temp_dir.hpp"
 
@@ -160,21 +159,6 @@ TEST_F(SftpSession, PassesChmodThroughWithoutChangingAnythingButChecksTheModeFir
     SessionResult const negative = session_->chmod(remote("x"), -1);
     EXPECT_EQ(negative.code, 4);
     EXPECT_EQ(negative.message, "sftp chmod: invalid mode");
-}
-
-TEST_F(SftpSession, TellsAServerOfAnotherProtocolApart)
-{
-    FtpTestServer ftp;
-    SessionResult const result = session_->connect("127.0.0.1", ftp.port(), ftp.user(), ftp.password());
-    EXPECT_FALSE(result.ok);
-    EXPECT_EQ(result.code, 1);
-    EXPECT_THAT(result.message, StartsWith("sftp connect: "));
-
-    auto ftpSession = makeSession("ftp");
-    SessionResult const other = ftpSession->connect("127.0.0.1", server_->port(), server_->user(),
-                                                    server_->password());
-    EXPECT_FALSE(other.ok);
-    EXPECT_THAT(other.message, StartsWith("ftp connect: "));
 }
 
 } // namespace

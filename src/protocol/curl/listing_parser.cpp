@@ -1,7 +1,6 @@
 #include "protocol/curl/listing_parser.hpp"
 
-#include <cerrno>
-#include <cstdlib>
+#include <limits>
 
 namespace perchftp::protocol::curl::detail {
 
@@ -85,9 +84,13 @@ bool readFirstPass(std::vector<std::string_view> const& lines, bool sizeFromLast
         }
         LineReading reading;
         bool const hasBlank = looksLikeDirectoryListingLine(line);
+        // The columns of a line with a blank serve both its name and its description; they are
+        // the same whichever rule named the line, so they are split once.
+        if (hasBlank) {
+            tokenize(line, tokens);
+        }
         if (!parseMlsdLine(line, reading.name, reading.isDirectory, reading.size)) {
             if (hasBlank) {
-                tokenize(line, tokens);
                 if (tokens.empty()) {
                     continue;
                 }
@@ -101,7 +104,6 @@ bool readFirstPass(std::vector<std::string_view> const& lines, bool sizeFromLast
         }
         RemoteEntry entry = makeEntry(std::move(reading));
         if (hasBlank) {
-            tokenize(line, tokens);
             describeFromColumns(tokens, entry);
         }
         entries.push_back(std::move(entry));
@@ -199,16 +201,32 @@ std::string joinTokens(std::vector<std::string_view> const& tokens, std::size_t 
     return joined;
 }
 
+// The rules of strtoull in base 10, without its copy and its locale: leading white space, one
+// sign ("-" negates modulo 2^64), then digits up to the first other character.
 std::uint64_t parseSize(std::string_view text)
 {
-    std::string const digits(text);
-    char* end = nullptr;
-    errno = 0;
-    unsigned long long const value = std::strtoull(digits.c_str(), &end, 10);
-    if (end == digits.c_str() || errno == ERANGE) {
+    std::size_t position = 0;
+    while (position < text.size() && isStreamSpace(text[position])) {
+        ++position;
+    }
+    bool negative = false;
+    if (position < text.size() && (text[position] == '+' || text[position] == '-')) {
+        negative = text[position] == '-';
+        ++position;
+    }
+    std::uint64_t value = 0;
+    std::size_t const firstDigit = position;
+    for (; position < text.size() && text[position] >= '0' && text[position] <= '9'; ++position) {
+        auto const digit = static_cast<std::uint64_t>(text[position] - '0');
+        if (value > (std::numeric_limits<std::uint64_t>::max() - digit) / 10) {
+            return 0;
+        }
+        value = value * 10 + digit;
+    }
+    if (position == firstDigit) {
         return 0;
     }
-    return value;
+    return negative ? 0 - value : value;
 }
 
 bool parseMlsdLine(std::string_view line, std::string& name, bool& isDirectory, std::uint64_t& size)

@@ -4,6 +4,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
+#include <iterator>
 #include <netinet/in.h>
 #include <stdexcept>
 #include <sys/prctl.h>
@@ -151,6 +153,12 @@ std::filesystem::path makeScratchFolder(std::string const& prefix)
         throw std::runtime_error("mkdtemp failed");
     }
     return pattern;
+}
+
+std::string readBytes(std::filesystem::path const& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 } // namespace perchftp::test

@@ -37,7 +37,9 @@ int freeLoopbackPort();
 bool acceptsConnections(int port);
 // Runs a shell command line; true when it ended with status 0.
 bool runCommand(std::string const& commandLine);
-// A fresh folder under the system's temporary folder, made with the given mode.
+// A fresh folder under the system's temporary folder, private to its maker.
 std::filesystem::path makeScratchFolder(std::string const& prefix);
+// The bytes of a file; empty when it can't be read.
+std::string readBytes(std::filesystem::path const& path);
 
 } // namespace perchftp::test

@@ -34,12 +34,6 @@ void writeBytes(std::filesystem::path const& path, std::string const& bytes, std
     out << bytes;
 }
 
-std::string readBytes(std::filesystem::path const& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 } // namespace
 
 std::filesystem::path testServersFolder()
@@ -110,11 +104,13 @@ void FtpTestServer::setDefaultListing(std::string const& body)
 
 void FtpTestServer::setReply(std::string const& command, std::string const& reply, int times)
 {
-    std::string rule = command + "\t" + reply;
+    std::string rule = command;
+    rule.append("\t").append(reply);
     if (times >= 0) {
-        rule += "\t" + std::to_string(times);
+        rule.append("\t").append(std::to_string(times));
     }
-    writeBytes(control_ / "replies.tsv", rule + "\n", std::ios::app);
+    rule.append("\n");
+    writeBytes(control_ / "replies.tsv", rule, std::ios::app);
 }
 
 void FtpTestServer::clearReplies()

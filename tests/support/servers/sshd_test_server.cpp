@@ -14,12 +14,6 @@ namespace {
 
 constexpr char const* kSshd = "/usr/sbin/sshd";
 
-std::string readBytes(std::filesystem::path const& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 void run(std::string const& commandLine)
 {
     if (!runCommand(commandLine + " >/dev/null 2>&1")) {

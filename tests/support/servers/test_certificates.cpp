@@ -18,12 +18,6 @@ namespace {
 
 constexpr char const* kSystemBundle = "/etc/ssl/certs/ca-certificates.crt";
 
-std::string readBytes(std::filesystem::path const& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 void openssl(std::string const& arguments)
 {
     if (!runCommand("openssl " + arguments + " >/dev/null 2>&1")) {
