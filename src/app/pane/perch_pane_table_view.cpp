@@ -40,12 +40,26 @@ void PerchPaneTableView::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::RightButton && selectionModel() != nullptr) {
         int const row = rowAt(event->position().toPoint().y());
-        if (row >= 0 && !selectionModel()->isRowSelected(row, QModelIndex())) {
+        if (row < 0) {
+            // A right click on empty space keeps the selection; the item view would clear it.
+            event->accept();
+            return;
+        }
+        if (!selectionModel()->isRowSelected(row, QModelIndex())) {
             selectionModel()->setCurrentIndex(model()->index(row, 0),
                                               QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         }
     }
     QTableView::mousePressEvent(event);
+}
+
+void PerchPaneTableView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::RightButton && rowAt(event->position().toPoint().y()) < 0) {
+        event->accept();
+        return;
+    }
+    QTableView::mouseReleaseEvent(event);
 }
 
 void PerchPaneTableView::contextMenuEvent(QContextMenuEvent* event)
