@@ -34,6 +34,13 @@ void PerchPaneCellDelegate::initStyleOption(QStyleOptionViewItem* option, QModel
 PerchPaneTableView::PerchPaneTableView(QWidget* parent) : QTableView(parent)
 {
     setItemDelegate(new PerchPaneCellDelegate(this));
+    // The style fills a selected row with the highlight before the cells are drawn; the rounded
+    // band painted underneath must show through instead.
+    QPalette clearHighlight = palette();
+    for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        clearHighlight.setColor(group, QPalette::Highlight, Qt::transparent);
+    }
+    setPalette(clearHighlight);
 }
 
 void PerchPaneTableView::mousePressEvent(QMouseEvent* event)
