@@ -2,10 +2,12 @@
 #include "app/pane/perch_pane_split_view.hpp"
 #include "app/pane/perch_pane_table_model.hpp"
 #include "app/pane/perch_pane_table_view.hpp"
+#include "app/pane/perch_path_field.hpp"
 #include "pane_test_support.hpp"
 
 #include <QImage>
 #include <QLabel>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
@@ -123,6 +125,59 @@ TEST_F(PaneRowPainting, RowsAreStripedAndTheSelectionIsARoundedBlueBand)
     pane->tableView()->clearSelection();
     QImage const unselected = viewport->grab().toImage();
     EXPECT_EQ(pixelInRow(unselected, 1, farRight), QColor(Qt::black)) << "odd rows are black";
+}
+
+} // namespace
+} // namespace perchftp::app
+
+namespace perchftp::app {
+namespace {
+
+TEST(PanePathField, WithATargetAndActionADoubleClickRunsTheActionInsteadOfSelecting)
+{
+    PerchPathField field;
+    field.setText("/some/where");
+    field.resize(300, 30);
+    field.show();
+    int runs = 0;
+    auto target = std::make_unique<QObject>();
+    field.setDoubleClickTarget(target.get());
+    field.setDoubleClickAction([&](PerchPathField* sender) {
+        EXPECT_EQ(sender, &field);
+        ++runs;
+    });
+    testing::doubleClick(&field, QPoint(20, 15));
+    EXPECT_EQ(runs, 1);
+    EXPECT_FALSE(field.hasSelectedText());
+
+    target.reset();
+    testing::doubleClick(&field, QPoint(20, 15));
+    EXPECT_EQ(runs, 1) << "a destroyed target makes the field plain again";
+    EXPECT_TRUE(field.hasSelectedText());
+}
+
+TEST(PaneLifetime, APaneOutlivedByItsAdoptedViewLeavesTheViewWorking)
+{
+    PerchPaneSplitView split;
+    auto local = std::make_unique<PerchFilePaneController>(QStringLiteral("Local"), false);
+    auto remote = std::make_unique<PerchFilePaneController>(QStringLiteral("Remote"), true);
+    split.addWidget(local->view());
+    split.addWidget(remote->view());
+    split.show();
+    QPointer<QWidget> const view = local->view();
+    local.reset();
+    remote.reset();
+    ASSERT_FALSE(view.isNull()) << "the splitter owns the adopted view";
+    split.repaint();
+    QTest::mouseDClick(view->findChild<PerchPathField*>(), Qt::LeftButton);
+}
+
+TEST(PaneLifetime, APaneDeletesTheViewThatNoWindowAdopted)
+{
+    auto pane = std::make_unique<PerchFilePaneController>(QStringLiteral("Remote"), true);
+    QPointer<QWidget> const view = pane->view();
+    pane.reset();
+    EXPECT_TRUE(view.isNull());
 }
 
 } // namespace
