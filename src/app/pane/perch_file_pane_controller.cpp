@@ -21,11 +21,6 @@ namespace {
 QString const kNotConnected = QStringLiteral("Not connected.");
 QString const kEmptyDirectory = QStringLiteral("<empty directory>");
 
-QString orEmpty(QString const& text)
-{
-    return text.isNull() ? QStringLiteral("") : text;
-}
-
 } // namespace
 
 PerchFilePaneController::PerchFilePaneController(QString const& title, bool isRemote, QObject* parent)
@@ -106,7 +101,7 @@ void PerchFilePaneController::showRemoteEntries(PaneEntries entries, QString con
 
 void PerchFilePaneController::showPlaceholder(QString const& message)
 {
-    reloadRows({PaneEntry{orEmpty(message), orEmpty(m_currentPath), false, true, {}, {}, 0, {}}});
+    reloadRows({PaneEntry{detail::orEmpty(message), detail::orEmpty(m_currentPath), false, true, {}, {}, 0, {}}});
 }
 
 void PerchFilePaneController::openFolder()
@@ -224,7 +219,7 @@ int PerchFilePaneController::selectedRow() const
 QString PerchFilePaneController::selectedPath() const
 {
     PaneEntry const* entry = entryAt(selectedRow());
-    return entry != nullptr ? orEmpty(entry->path) : QStringLiteral("");
+    return entry != nullptr ? detail::orEmpty(entry->path) : QStringLiteral("");
 }
 
 PaneEntries PerchFilePaneController::selectedItems() const
