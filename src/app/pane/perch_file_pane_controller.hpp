@@ -139,6 +139,7 @@ private:
     void buildTable();
     void buildContextMenu();
     void wireActions();
+    void addTableShortcuts();
     void columnHeaderClicked(int column);
     void selectionDidChange();
     void reloadRows(PaneEntries entries);

@@ -7,6 +7,7 @@
 #include "app/pane/perch_pane_table_view.hpp"
 #include "app/pane/perch_path_field.hpp"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -180,6 +181,26 @@ void PerchFilePaneController::wireActions()
     connect(m_tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PerchFilePaneController::selectionDidChange);
     connect(m_contextMenu, &QMenu::aboutToShow, this, &PerchFilePaneController::menuNeedsUpdate);
+    addTableShortcuts();
+}
+
+// The keys a file manager user expects on a file list. Each runs the same action as its button or
+// double click, with the same guards.
+void PerchFilePaneController::addTableShortcuts()
+{
+    auto const addShortcut = [this](QList<QKeySequence> const& keys, auto slot) {
+        auto* shortcut = new QAction(m_tableView);
+        shortcut->setShortcuts(keys);
+        shortcut->setShortcutContext(Qt::WidgetShortcut);
+        connect(shortcut, &QAction::triggered, this, slot);
+        m_tableView->addAction(shortcut);
+    };
+    addShortcut({QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Enter)},
+                [this] { tableViewDoubleClicked(m_tableView->currentIndex().row()); });
+    addShortcut({QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::ALT | Qt::Key_Up)}, &PerchFilePaneController::goUp);
+    addShortcut({QKeySequence(Qt::Key_F2)}, &PerchFilePaneController::renameClicked);
+    addShortcut({QKeySequence(Qt::Key_Delete)}, &PerchFilePaneController::deleteClicked);
+    addShortcut({QKeySequence(Qt::Key_F5)}, &PerchFilePaneController::contextRefreshAction);
 }
 
 } // namespace perchftp::app

@@ -408,3 +408,44 @@ TEST_F(RemoteFolderDialog, ADoubleClickOnTheRemotePathFieldEditsAsUsualAndOpensN
 
 } // namespace
 } // namespace perchftp::app
+
+namespace perchftp::app {
+namespace {
+
+class PaneKeys : public testing::PaneFixture {
+protected:
+    void SetUp() override
+    {
+        makePane(true);
+        pane->showRemoteEntries(threeFilesAndAFolder(), "/srv/site");
+        pane->tableView()->setFocus();
+        selectRows({1});
+        delegate.clear();
+    }
+
+    void press(QKeySequence const& key) { QTest::keySequence(pane->tableView(), key); }
+};
+
+TEST_F(PaneKeys, TheFileListTakesTheKeysOfAFileManager)
+{
+    press(QKeySequence(Qt::Key_Return));
+    press(QKeySequence(Qt::Key_F2));
+    press(QKeySequence(Qt::Key_Delete));
+    press(QKeySequence(Qt::Key_F5));
+    press(QKeySequence(Qt::Key_Backspace));
+    EXPECT_EQ(delegate.summaries(), QStringList({"open /srv/dir", "rename /srv/dir", "delete /srv/dir",
+                                                 "open /srv/site", "open /srv"}));
+}
+
+TEST_F(PaneKeys, ReturnOnTheMessageRowDoesNothing)
+{
+    pane->showPlaceholder("Not connected.");
+    selectRows({0});
+    delegate.clear();
+    press(QKeySequence(Qt::Key_Return));
+    press(QKeySequence(Qt::Key_F2));
+    EXPECT_TRUE(delegate.calls.empty());
+}
+
+} // namespace
+} // namespace perchftp::app
