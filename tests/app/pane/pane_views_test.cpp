@@ -7,6 +7,7 @@
 
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
@@ -170,6 +171,16 @@ TEST(PaneLifetime, APaneOutlivedByItsAdoptedViewLeavesTheViewWorking)
     ASSERT_FALSE(view.isNull()) << "the splitter owns the adopted view";
     split.repaint();
     QTest::mouseDClick(view->findChild<PerchPathField*>(), Qt::LeftButton);
+}
+
+TEST(PaneLifetime, ALocalPaneWhoseViewWasDestroyedIgnoresDoubleClicksElsewhere)
+{
+    PerchFilePaneController pane(QStringLiteral("Local"), false);
+    delete pane.view();
+    QLineEdit other;
+    other.show();
+    testing::doubleClick(&other, QPoint(5, 5));
+    EXPECT_EQ(pane.view(), nullptr);
 }
 
 TEST(PaneLifetime, APaneDeletesTheViewThatNoWindowAdopted)
