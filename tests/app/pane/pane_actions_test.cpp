@@ -406,11 +406,6 @@ TEST_F(RemoteFolderDialog, ADoubleClickOnTheRemotePathFieldEditsAsUsualAndOpensN
     EXPECT_TRUE(pane->pathField()->hasSelectedText()) << "a double click selects a word of the path";
 }
 
-} // namespace
-} // namespace perchftp::app
-
-namespace perchftp::app {
-namespace {
 
 class PaneKeys : public testing::PaneFixture {
 protected:

@@ -128,11 +128,6 @@ TEST_F(PaneRowPainting, RowsAreStripedAndTheSelectionIsARoundedBlueBand)
     EXPECT_EQ(pixelInRow(unselected, 1, farRight), QColor(Qt::black)) << "odd rows are black";
 }
 
-} // namespace
-} // namespace perchftp::app
-
-namespace perchftp::app {
-namespace {
 
 TEST(PanePathField, WithATargetAndActionADoubleClickRunsTheActionInsteadOfSelecting)
 {
