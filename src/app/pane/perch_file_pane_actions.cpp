@@ -36,13 +36,17 @@ QStringList droppedFilePaths(QMimeData const* data)
 // Sets the clicked row for the length of one click's handling, like a table's clicked row.
 class ClickedRowScope {
 public:
-    ClickedRowScope(int& clickedRow, int row) : m_clickedRow(clickedRow) { m_clickedRow = row; }
-    ~ClickedRowScope() { m_clickedRow = -1; }
+    ClickedRowScope(int& clickedRow, int row) : m_clickedRow(clickedRow), m_before(clickedRow)
+    {
+        m_clickedRow = row;
+    }
+    ~ClickedRowScope() { m_clickedRow = m_before; }
     ClickedRowScope(ClickedRowScope const&) = delete;
     ClickedRowScope& operator=(ClickedRowScope const&) = delete;
 
 private:
     int& m_clickedRow;
+    int m_before;
 };
 
 } // namespace

@@ -77,6 +77,13 @@ void PerchFilePaneController::buildButtons()
     m_deleteButton = makeButton(m_hostView, tr("Delete"), PaneIcon::Delete);
     m_uploadButton = makeButton(m_hostView, tr("Upload"), PaneIcon::Upload);
     m_downloadButton = makeButton(m_hostView, tr("Download"), PaneIcon::Download);
+    m_upButton->setToolTip(tr("Go to the parent folder (Backspace)"));
+    m_openFolderButton->setToolTip(tr("Choose a local folder to show"));
+    m_createFolderButton->setToolTip(tr("Create a folder here"));
+    m_renameButton->setToolTip(tr("Rename the selected item (F2)"));
+    m_deleteButton->setToolTip(tr("Delete the selected items (Delete)"));
+    m_uploadButton->setToolTip(tr("Upload the selected items"));
+    m_downloadButton->setToolTip(tr("Download the selected items"));
     // Fixed for the pane's life: they do not follow the connection.
     m_openFolderButton->setEnabled(!m_isRemote);
     m_uploadButton->setEnabled(!m_isRemote);
