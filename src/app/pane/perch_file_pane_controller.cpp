@@ -10,6 +10,7 @@
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QScrollBar>
 #include <QSet>
 
 #include <algorithm>
@@ -134,16 +135,18 @@ void PerchFilePaneController::goUp()
     loadLocalDirectory(parent);
 }
 
-// A reload of the folder already shown keeps the selected items selected (an upload or a delete
-// reloads the pane it happened in); a listing of another folder starts unselected. The delegate
-// hears about it when that changes selectedPath().
+// A reload of the folder already shown keeps the selected items selected and the scroll position
+// (an upload or a delete reloads the pane it happened in); a listing of another folder starts
+// unselected at the top. The delegate hears about it when that changes selectedPath().
 void PerchFilePaneController::reloadRows(PaneEntries entries)
 {
     QItemSelectionModel* selection = m_tableView->selectionModel();
     QString const pathBefore = selectedPath();
     QString const anchorPath = pathBefore;
+    bool const samePlace = m_currentPath == m_listedPath;
+    int const scrolledTo = m_tableView->verticalScrollBar()->value();
     QSet<QString> keptPaths;
-    if (m_currentPath == m_listedPath) {
+    if (samePlace) {
         for (PaneEntry const& item : selectedItems()) {
             keptPaths.insert(item.path);
         }
@@ -171,6 +174,13 @@ void PerchFilePaneController::reloadRows(PaneEntries entries)
         }
     }
     m_reportingSelection = true;
+    // The same folder again stays where the user had scrolled to.
+    if (samePlace && scrolledTo > 0) {
+        m_tableView->doItemsLayout();
+        m_tableView->verticalScrollBar()->setValue(scrolledTo);
+    } else if (!samePlace) {
+        m_tableView->scrollToTop();
+    }
     if (selectedPath() != pathBefore) {
         selectionDidChange();
     }

@@ -4,8 +4,10 @@
 #include "app/pane/perch_path_field.hpp"
 #include "pane_test_support.hpp"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -170,6 +172,23 @@ TEST_F(RemotePane, SortingKeepsTheSelectedItemSelected)
     clickHeader(PerchPaneTableModel::SizeColumn);
     EXPECT_EQ(pane->selectedPath(), "/srv/big.iso");
     EXPECT_EQ(pane->selectedRow(), 4);
+}
+
+TEST_F(RemotePane, ARefreshOfTheSameFolderKeepsTheScrollPositionAndAnotherFolderStartsAtTheTop)
+{
+    PaneEntries many;
+    for (int index = 0; index < 500; ++index) {
+        many.append(remoteFile(QStringLiteral("f%1").arg(index), quint64(index)));
+    }
+    pane->showRemoteEntries(many, "/srv");
+    QScrollBar* scroll = pane->tableView()->verticalScrollBar();
+    QCoreApplication::processEvents(); // the view lays out the new rows
+    scroll->setValue(2400);
+    ASSERT_EQ(scroll->value(), 2400);
+    pane->showRemoteEntries(many, "/srv");
+    EXPECT_EQ(scroll->value(), 2400);
+    pane->showRemoteEntries(many, "/srv/other");
+    EXPECT_EQ(scroll->value(), 0);
 }
 
 TEST_F(RemotePane, DoubleClickOnAFolderAsksTheShellToOpenIt)
