@@ -90,7 +90,11 @@ void PerchPaneTableView::paintRows(QRect const& area)
     if (model() == nullptr || model()->rowCount() == 0) {
         return;
     }
-    int const firstRow = std::max(rowAt(area.top()), 0);
+    // Rows have no gaps, so an area whose top is on no row lies below the last one.
+    int const firstRow = rowAt(area.top());
+    if (firstRow < 0) {
+        return;
+    }
     int lastRow = rowAt(area.bottom());
     if (lastRow < 0) {
         lastRow = model()->rowCount() - 1;
