@@ -37,7 +37,8 @@ QString sizeCellText(PaneEntry const& entry)
     if (entry.placeholder || entry.dir) {
         return QStringLiteral("");
     }
-    // The text is read as a signed number and then looked at unsigned, as the row builder meant.
+    // Read as a signed 64-bit number and looked at unsigned: text beyond the signed range
+    // saturates, and a negative text shows as a very large size.
     auto const bytes = quint64(leadingInt64(entry.size.isNull() ? QStringLiteral("0") : entry.size));
     constexpr quint64 kilo = 1024;
     constexpr quint64 mega = kilo * 1024;

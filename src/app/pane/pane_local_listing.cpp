@@ -1,8 +1,7 @@
 #include "app/pane/pane_local_listing.hpp"
 
+#include "app/pane/pane_file_names.hpp"
 #include "app/pane/pane_paths.hpp"
-
-#include <QFile>
 
 #include <algorithm>
 #include <filesystem>
@@ -18,7 +17,7 @@ namespace {
 
 fs::path nativePath(QString const& path)
 {
-    return fs::path(QFile::encodeName(path).toStdString());
+    return fs::path(encodeFileName(path));
 }
 
 struct NamedChild {
@@ -44,7 +43,7 @@ LocalListing listLocalDirectory(QString const& folder)
         std::error_code statError;
         // is_directory follows links, so a link to a folder is a folder and a broken link a file.
         bool const dir = fs::is_directory(children->path(), statError);
-        named.push_back({QFile::decodeName(children->path().filename().native().c_str()), dir});
+        named.push_back({decodeFileName(children->path().filename().native()), dir});
     }
     if (error) {
         listing.error = QString::fromStdString(error.message());
@@ -59,7 +58,7 @@ LocalListing listLocalDirectory(QString const& folder)
     for (NamedChild& child : named) {
         PaneEntry entry;
         entry.path = appendingPathComponent(folder, child.name);
-        entry.name = std::move(child.name);
+        entry.name = displayFileName(child.name);
         entry.dir = child.dir;
         listing.entries.append(std::move(entry));
     }

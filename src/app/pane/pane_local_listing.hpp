@@ -16,7 +16,8 @@ struct LocalListing {
 };
 
 // Reads one local folder. Hidden files are listed; "." and ".." are not. A name that is not valid
-// UTF-8 is shown with replacement characters, while its folder flag is still read from the disk.
+// UTF-8 is shown with replacement characters, while its path keeps the bytes (pane_file_names.hpp),
+// so that such a folder can still be opened.
 LocalListing listLocalDirectory(QString const& folder);
 
 } // namespace perchftp::app::detail

@@ -5,6 +5,12 @@
 // Path text operations of the panes. They work on text only and never touch the disk.
 namespace perchftp::app::detail {
 
+// The text, or an empty (not null) text in place of null.
+inline QString orEmpty(QString const& text)
+{
+    return text.isNull() ? QStringLiteral("") : text;
+}
+
 // The user's home folder.
 QString homeFolder();
 

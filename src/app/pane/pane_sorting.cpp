@@ -35,7 +35,9 @@ public:
             m_kind = Kind::Text;
             m_textKeys.reserve(std::size_t(entries.size()));
             for (PaneEntry const& entry : entries) {
-                m_textKeys.push_back(collator.sortKey(textField(entry, descriptor.key)));
+                // Folding first keeps the comparison case-blind where the collator is not, as under
+                // the C locale.
+                m_textKeys.push_back(collator.sortKey(textField(entry, descriptor.key).toCaseFolded()));
             }
         }
     }

@@ -19,11 +19,6 @@ namespace perchftp::app {
 
 namespace {
 
-QString orEmpty(QString const& text)
-{
-    return text.isNull() ? QStringLiteral("") : text;
-}
-
 QStringList droppedFilePaths(QMimeData const* data)
 {
     QStringList paths;
@@ -41,13 +36,17 @@ QStringList droppedFilePaths(QMimeData const* data)
 // Sets the clicked row for the length of one click's handling, like a table's clicked row.
 class ClickedRowScope {
 public:
-    ClickedRowScope(int& clickedRow, int row) : m_clickedRow(clickedRow) { m_clickedRow = row; }
-    ~ClickedRowScope() { m_clickedRow = -1; }
+    ClickedRowScope(int& clickedRow, int row) : m_clickedRow(clickedRow), m_before(clickedRow)
+    {
+        m_clickedRow = row;
+    }
+    ~ClickedRowScope() { m_clickedRow = m_before; }
     ClickedRowScope(ClickedRowScope const&) = delete;
     ClickedRowScope& operator=(ClickedRowScope const&) = delete;
 
 private:
     int& m_clickedRow;
+    int m_before;
 };
 
 } // namespace
@@ -55,7 +54,7 @@ private:
 void PerchFilePaneController::requestTransfer(PaneEntry const& entry)
 {
     if (m_delegate != nullptr) {
-        m_delegate->didRequestContextTransferForPath(this, orEmpty(entry.path), m_isRemote, entry.dir);
+        m_delegate->didRequestContextTransferForPath(this, detail::orEmpty(entry.path), m_isRemote, entry.dir);
     }
 }
 
@@ -66,7 +65,7 @@ void PerchFilePaneController::renameClicked()
         return;
     }
     PaneEntry const& entry = m_model->entries()[row];
-    m_delegate->didRequestRenamePath(this, orEmpty(entry.path), m_isRemote, entry.dir);
+    m_delegate->didRequestRenamePath(this, detail::orEmpty(entry.path), m_isRemote, entry.dir);
 }
 
 void PerchFilePaneController::deleteClicked()
@@ -76,7 +75,7 @@ void PerchFilePaneController::deleteClicked()
         return;
     }
     if (items.size() == 1) {
-        m_delegate->didRequestDeletePath(this, orEmpty(items.first().path), m_isRemote, items.first().dir);
+        m_delegate->didRequestDeletePath(this, detail::orEmpty(items.first().path), m_isRemote, items.first().dir);
         return;
     }
     m_delegate->didRequestDeletePaths(this, items, m_isRemote);
@@ -196,7 +195,7 @@ void PerchFilePaneController::tableViewDoubleClicked(int row)
         return;
     }
     // A copy: opening a folder replaces the rows that `entry` points into.
-    QString const path = orEmpty(entry->path);
+    QString const path = detail::orEmpty(entry->path);
     if (!entry->dir) {
         if (m_delegate != nullptr) {
             m_delegate->didChangeSelectionPath(this, path, m_isRemote);

@@ -10,6 +10,7 @@
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QScrollBar>
 #include <QSet>
 
 #include <algorithm>
@@ -20,11 +21,6 @@ namespace {
 
 QString const kNotConnected = QStringLiteral("Not connected.");
 QString const kEmptyDirectory = QStringLiteral("<empty directory>");
-
-QString orEmpty(QString const& text)
-{
-    return text.isNull() ? QStringLiteral("") : text;
-}
 
 } // namespace
 
@@ -106,7 +102,7 @@ void PerchFilePaneController::showRemoteEntries(PaneEntries entries, QString con
 
 void PerchFilePaneController::showPlaceholder(QString const& message)
 {
-    reloadRows({PaneEntry{orEmpty(message), orEmpty(m_currentPath), false, true, {}, {}, 0, {}}});
+    reloadRows({PaneEntry{detail::orEmpty(message), detail::orEmpty(m_currentPath), false, true, {}, {}, 0, {}}});
 }
 
 void PerchFilePaneController::openFolder()
@@ -139,16 +135,18 @@ void PerchFilePaneController::goUp()
     loadLocalDirectory(parent);
 }
 
-// A reload of the folder already shown keeps the selected items selected (an upload or a delete
-// reloads the pane it happened in); a listing of another folder starts unselected. The delegate
-// hears about it when that changes selectedPath().
+// A reload of the folder already shown keeps the selected items selected and the scroll position
+// (an upload or a delete reloads the pane it happened in); a listing of another folder starts
+// unselected at the top. The delegate hears about it when that changes selectedPath().
 void PerchFilePaneController::reloadRows(PaneEntries entries)
 {
     QItemSelectionModel* selection = m_tableView->selectionModel();
     QString const pathBefore = selectedPath();
     QString const anchorPath = pathBefore;
+    bool const samePlace = m_currentPath == m_listedPath;
+    int const scrolledTo = m_tableView->verticalScrollBar()->value();
     QSet<QString> keptPaths;
-    if (m_currentPath == m_listedPath) {
+    if (samePlace) {
         for (PaneEntry const& item : selectedItems()) {
             keptPaths.insert(item.path);
         }
@@ -176,6 +174,13 @@ void PerchFilePaneController::reloadRows(PaneEntries entries)
         }
     }
     m_reportingSelection = true;
+    // The same folder again stays where the user had scrolled to.
+    if (samePlace && scrolledTo > 0) {
+        m_tableView->doItemsLayout();
+        m_tableView->verticalScrollBar()->setValue(scrolledTo);
+    } else if (!samePlace) {
+        m_tableView->scrollToTop();
+    }
     if (selectedPath() != pathBefore) {
         selectionDidChange();
     }
@@ -224,7 +229,7 @@ int PerchFilePaneController::selectedRow() const
 QString PerchFilePaneController::selectedPath() const
 {
     PaneEntry const* entry = entryAt(selectedRow());
-    return entry != nullptr ? orEmpty(entry->path) : QStringLiteral("");
+    return entry != nullptr ? detail::orEmpty(entry->path) : QStringLiteral("");
 }
 
 PaneEntries PerchFilePaneController::selectedItems() const

@@ -29,6 +29,10 @@ class ShellDialogs;
 // remote reaches it through showRemoteEntries(). It performs no operation: it decides which
 // operation a click means and asks its delegate.
 //
+// The delegate hears didChangeSelectionPath() whenever selectedPath() changes, whether the user
+// selected or a new listing replaced the rows. A listing of the folder already shown keeps its
+// selected items selected; a listing of another folder starts with none.
+//
 // Texts follow one convention: a null QString means "no value" and an empty one is a value, so
 // setPathValue(QString()) and setPathValue("") do different things.
 class PerchFilePaneController : public QObject {
@@ -135,6 +139,7 @@ private:
     void buildTable();
     void buildContextMenu();
     void wireActions();
+    void addTableShortcuts();
     void columnHeaderClicked(int column);
     void selectionDidChange();
     void reloadRows(PaneEntries entries);

@@ -7,6 +7,7 @@
 #include "app/pane/perch_pane_table_view.hpp"
 #include "app/pane/perch_path_field.hpp"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -76,6 +77,13 @@ void PerchFilePaneController::buildButtons()
     m_deleteButton = makeButton(m_hostView, tr("Delete"), PaneIcon::Delete);
     m_uploadButton = makeButton(m_hostView, tr("Upload"), PaneIcon::Upload);
     m_downloadButton = makeButton(m_hostView, tr("Download"), PaneIcon::Download);
+    m_upButton->setToolTip(tr("Go to the parent folder (Backspace)"));
+    m_openFolderButton->setToolTip(tr("Choose a local folder to show"));
+    m_createFolderButton->setToolTip(tr("Create a folder here"));
+    m_renameButton->setToolTip(tr("Rename the selected item (F2)"));
+    m_deleteButton->setToolTip(tr("Delete the selected items (Delete)"));
+    m_uploadButton->setToolTip(tr("Upload the selected items"));
+    m_downloadButton->setToolTip(tr("Download the selected items"));
     // Fixed for the pane's life: they do not follow the connection.
     m_openFolderButton->setEnabled(!m_isRemote);
     m_uploadButton->setEnabled(!m_isRemote);
@@ -180,6 +188,26 @@ void PerchFilePaneController::wireActions()
     connect(m_tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &PerchFilePaneController::selectionDidChange);
     connect(m_contextMenu, &QMenu::aboutToShow, this, &PerchFilePaneController::menuNeedsUpdate);
+    addTableShortcuts();
+}
+
+// The keys a file manager user expects on a file list. Each runs the same action as its button or
+// double click, with the same guards.
+void PerchFilePaneController::addTableShortcuts()
+{
+    auto const addShortcut = [this](QList<QKeySequence> const& keys, auto slot) {
+        auto* shortcut = new QAction(m_tableView);
+        shortcut->setShortcuts(keys);
+        shortcut->setShortcutContext(Qt::WidgetShortcut);
+        connect(shortcut, &QAction::triggered, this, slot);
+        m_tableView->addAction(shortcut);
+    };
+    addShortcut({QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Enter)},
+                [this] { tableViewDoubleClicked(m_tableView->currentIndex().row()); });
+    addShortcut({QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::ALT | Qt::Key_Up)}, &PerchFilePaneController::goUp);
+    addShortcut({QKeySequence(Qt::Key_F2)}, &PerchFilePaneController::renameClicked);
+    addShortcut({QKeySequence(Qt::Key_Delete)}, &PerchFilePaneController::deleteClicked);
+    addShortcut({QKeySequence(Qt::Key_F5)}, &PerchFilePaneController::contextRefreshAction);
 }
 
 } // namespace perchftp::app

@@ -26,9 +26,15 @@ void PerchPaneTableModel::sortRows(QList<PaneSortDescriptor> const& descriptors)
     QList<int> placeOfRow(order.size());
     PaneEntries sorted;
     sorted.reserve(m_entries.size());
+    // Rows still shared with the caller's list are copied rather than detached and moved.
+    bool const ownsRows = m_entries.isDetached();
     for (qsizetype place = 0; place < order.size(); ++place) {
         placeOfRow[order[place]] = int(place);
-        sorted.append(std::move(m_entries[order[place]]));
+        if (ownsRows) {
+            sorted.append(std::move(m_entries[order[place]]));
+        } else {
+            sorted.append(std::as_const(m_entries)[order[place]]);
+        }
     }
     m_entries = std::move(sorted);
     QModelIndexList const before = persistentIndexList();

@@ -34,18 +34,39 @@ void PerchPaneCellDelegate::initStyleOption(QStyleOptionViewItem* option, QModel
 PerchPaneTableView::PerchPaneTableView(QWidget* parent) : QTableView(parent)
 {
     setItemDelegate(new PerchPaneCellDelegate(this));
+    // The style fills a selected row with the highlight before the cells are drawn; the rounded
+    // band painted underneath must show through instead.
+    QPalette clearHighlight = palette();
+    for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        clearHighlight.setColor(group, QPalette::Highlight, Qt::transparent);
+    }
+    setPalette(clearHighlight);
 }
 
 void PerchPaneTableView::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::RightButton && selectionModel() != nullptr) {
         int const row = rowAt(event->position().toPoint().y());
-        if (row >= 0 && !selectionModel()->isRowSelected(row, QModelIndex())) {
+        if (row < 0) {
+            // A right click on empty space keeps the selection; the item view would clear it.
+            event->accept();
+            return;
+        }
+        if (!selectionModel()->isRowSelected(row, QModelIndex())) {
             selectionModel()->setCurrentIndex(model()->index(row, 0),
                                               QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         }
     }
     QTableView::mousePressEvent(event);
+}
+
+void PerchPaneTableView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::RightButton && rowAt(event->position().toPoint().y()) < 0) {
+        event->accept();
+        return;
+    }
+    QTableView::mouseReleaseEvent(event);
 }
 
 void PerchPaneTableView::contextMenuEvent(QContextMenuEvent* event)
@@ -69,7 +90,11 @@ void PerchPaneTableView::paintRows(QRect const& area)
     if (model() == nullptr || model()->rowCount() == 0) {
         return;
     }
-    int const firstRow = std::max(rowAt(area.top()), 0);
+    // Rows have no gaps, so an area whose top is on no row lies below the last one.
+    int const firstRow = rowAt(area.top());
+    if (firstRow < 0) {
+        return;
+    }
     int lastRow = rowAt(area.bottom());
     if (lastRow < 0) {
         lastRow = model()->rowCount() - 1;

@@ -34,7 +34,8 @@ PerchPathFieldClickMonitor::~PerchPathFieldClickMonitor()
 
 bool PerchPathFieldClickMonitor::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() != QEvent::MouseButtonDblClick || !m_pane) {
+    // The pane's widgets go with its view, which a window may destroy before the pane.
+    if (event->type() != QEvent::MouseButtonDblClick || !m_pane || m_pane->view() == nullptr) {
         return false;
     }
     auto const* mouse = static_cast<QMouseEvent*>(event);

@@ -164,6 +164,24 @@ TEST_F(LocalPane, NamesThatAreNotUtf8AreShownWithReplacementCharacters)
     ::rmdir(badFolder.constData());
 }
 
+TEST_F(LocalPane, AFolderWhoseNameIsNotUtf8CanBeOpened)
+{
+    QByteArray const badFolder = QFile::encodeName(tree.path()) + "/dir-\xff";
+    ASSERT_EQ(::mkdir(badFolder.constData(), 0755), 0);
+    int const descriptor = ::open((badFolder + "/inside.txt").constData(), O_CREAT | O_WRONLY, 0644);
+    ASSERT_GE(descriptor, 0);
+    ::close(descriptor);
+
+    pane->loadLocalDirectory(tree.path());
+    testing::doubleClick(pane->tableView()->viewport(), rowCentre(0));
+    EXPECT_EQ(shownNames(), QStringList({"inside.txt"}));
+    pane->goUp();
+    EXPECT_EQ(pane->pathValue(), tree.path());
+
+    ::unlink((badFolder + "/inside.txt").constData());
+    ::rmdir(badFolder.constData());
+}
+
 TEST_F(LocalPane, UpGoesToTheParentAndStaysAtTheRoot)
 {
     QString const inner = tree.makeFolder("outer/inner");

@@ -62,11 +62,11 @@ namespace {
 
 QtMessageHandler nextMessageHandler = nullptr;
 
-// The offscreen platform says on every shown window that it cannot pass size hints on.
+// The offscreen platform says, for every window, which desktop services it lacks.
 void quietOffscreenNotes(QtMsgType type, QMessageLogContext const& context, QString const& message)
 {
     QtMessageHandler const next = nextMessageHandler;
-    if (message.contains(QStringLiteral("does not support propagateSizeHints"))) {
+    if (message.startsWith(QStringLiteral("This plugin does not support"))) {
         return;
     }
     if (next != nullptr) {

@@ -1,5 +1,6 @@
 // Path text, size cells and row ordering: the rules the panes apply to text alone.
 #include "app/pane/pane_cells.hpp"
+#include "app/pane/pane_file_names.hpp"
 #include "app/pane/pane_paths.hpp"
 #include "app/pane/pane_sorting.hpp"
 #include "pane_test_support.hpp"
@@ -56,6 +57,24 @@ TEST(PanePathText, AppendingUsesExactlyOneSlash)
     EXPECT_EQ(appendingPathComponent("/a", "x"), "/a/x");
     EXPECT_EQ(appendingPathComponent("/a/", "x"), "/a/x");
     EXPECT_EQ(appendingPathComponent("", "x"), "x");
+}
+
+TEST(PaneFileNames, EveryByteSequenceSurvivesTheWayIntoTextAndBack)
+{
+    std::string const samples[] = {"plain.txt", "caf\xc3\xa9 \xf0\x9f\x98\x80", "caf\xe9.txt", "\xff\xfe",
+                                   "\xc0\xaf overlong", "\xed\xa0\x80 surrogate", "cut \xe2\x82", "\xf4\x90\x80\x80"};
+    for (std::string const& bytes : samples) {
+        EXPECT_EQ(detail::encodeFileName(detail::decodeFileName(bytes)), bytes) << bytes;
+    }
+}
+
+TEST(PaneFileNames, ValidUtf8ReadsAsItselfAndStrayBytesShowAsReplacementCharacters)
+{
+    EXPECT_EQ(detail::decodeFileName("caf\xc3\xa9"), QString::fromUtf8("caf\xc3\xa9"));
+    QString const escaped = detail::decodeFileName("caf\xe9");
+    EXPECT_EQ(escaped.size(), 4);
+    EXPECT_EQ(detail::displayFileName(escaped), QString("caf") + QChar(QChar::ReplacementCharacter));
+    EXPECT_EQ(detail::displayFileName("caf\u00e9"), "caf\u00e9");
 }
 
 TEST(PaneSizeCell, EachUnitStartsAtItsPowerOf1024)
