@@ -3,6 +3,8 @@
 #include "app/pane/perch_file_pane_controller_delegate.hpp"
 #include "app/shell_dialogs.hpp"
 #include "app/status/status_popup.hpp"
+#include "app/transfers/shell_prompts.hpp"
+#include "protocol/remote_session.hpp"
 #include "storage/persistent_store.hpp"
 #include "storage/site_manager.hpp"
 #include "transfer/transfer_queue.hpp"
@@ -17,6 +19,8 @@
 #include <QPointer>
 #include <QString>
 
+#include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -103,6 +107,30 @@ public:
         bool isDirectory) override;
     void didRequestDeletePaths(PerchFilePaneController* pane, PaneEntries const& items, bool isRemote) override;
     void didRequestChangePermissions(PerchFilePaneController* pane, PaneEntries const& items, bool isRemote) override;
+
+    // Transfers, conflicts and file operations. Paths in std::string are bytes as the disk or the
+    // server takes them; QString paths are what the panes and the transfer fields hold.
+    void startTransferFromPanePath(QString const& path, bool isRemote, bool isDirectory);
+    void runTransfer(transfer::JobType type);
+    bool executeQueuedTransfer(transfer::JobType type, std::string const& localPath, std::string const& remotePath,
+        std::string const& protocolName);
+    void recordTransferQueueOutcome(transfer::JobType type, std::string const& localPath,
+        std::string const& remotePath, std::string const& protocolName, transfer::JobState state,
+        std::string const& error);
+    bool uploadFolderRecursive(std::filesystem::path const& localRoot, std::string const& remoteRoot,
+        std::string const& protocolName);
+    TransferConflictDecision resolveTransferConflictForPath(QString const& path, bool isRemote, bool isDirectory);
+    bool remotePathExists(std::string const& path, bool* isDirectory);
+    void createFolderInPane(bool isRemote);
+    void renamePanePath(QString const& path, bool isRemote, bool isDirectory);
+    void deletePanePath(QString const& path, bool isRemote, bool isDirectory);
+    void deleteSelectedItems(PaneEntries const& items, bool isRemote);
+    void changePermissionsForItems(PaneEntries const& items, bool isRemote);
+    bool deleteRemotePathRecursive(std::string const& path);
+    bool rememberTransferConflictDecision() const { return rememberTransferConflictDecision_; }
+    void setRememberTransferConflictDecision(bool value) { rememberTransferConflictDecision_ = value; }
+    bool replaceOnTransferConflict() const { return replaceOnTransferConflict_; }
+    void setReplaceOnTransferConflict(bool value) { replaceOnTransferConflict_ = value; }
 
     // Members, each with its accessor pair. A setter only changes what the controller talks to;
     // ownership stays where it is.
@@ -214,6 +242,28 @@ private:
     // Status pieces.
     void takeAwayPopup();
     void notAvailableYet(QString const& what);
+
+    // Transfer and file operation pieces.
+    void transferPaneSelection(PerchFilePaneController* pane, bool isRemote);
+    std::string selectedProtocolName() const;
+    void runUploadPaths(std::filesystem::path const& localPath, std::string remotePath, bool localIsDirectory,
+        std::string const& protocolName);
+    void runDownloadPaths(std::filesystem::path localPath, std::string const& remotePath,
+        std::string const& protocolName);
+    void runTransferOfFile(transfer::JobType type, std::filesystem::path const& localPath,
+        std::string const& remotePath, std::string const& protocolName);
+    void settleTopLevelRefusal(transfer::JobType type, std::filesystem::path const& localPath,
+        std::string const& remotePath, std::string const& protocolName, TransferConflictDecision decision,
+        QString const& what);
+    protocol::TransferCallback transferProgressCallback(std::uint64_t id, transfer::JobType type);
+    bool uploadFolderEntry(std::filesystem::directory_entry const& entry, std::filesystem::path const& localRoot,
+        std::string const& remotePath, std::string const& protocolName, bool& descend);
+    bool makeRemoteFolderTolerantly(std::string const& remotePath);
+    void createLocalFolder(QString const& name);
+    void createRemoteFolder(QString const& name);
+    protocol::SessionResult removeRemoteItem(std::string const& path, bool isDirectory);
+    void failFileOperation(QString const& text);
+    void finishFileOperation(QString const& banner, QString const& popup, bool isRemote);
 
     std::unique_ptr<ShellDialogs> dialogs_;
     transfer::TransferQueueService transferQueue_;

@@ -27,40 +27,4 @@ void PerchFtpShellController::didChangeSelectionPath(PerchFilePaneController*, Q
     }
 }
 
-void PerchFtpShellController::didDropPaths(PerchFilePaneController*, QStringList const&, QString const&, bool)
-{
-    notAvailableYet(QStringLiteral("Uploading dropped files"));
-}
-
-void PerchFtpShellController::didRequestContextTransferForPath(PerchFilePaneController*, QString const&, bool isRemote,
-    bool)
-{
-    notAvailableYet(isRemote ? QStringLiteral("Downloading") : QStringLiteral("Uploading"));
-}
-
-void PerchFtpShellController::didRequestCreateFolder(PerchFilePaneController*, bool)
-{
-    notAvailableYet(QStringLiteral("Creating folders"));
-}
-
-void PerchFtpShellController::didRequestRenamePath(PerchFilePaneController*, QString const&, bool, bool)
-{
-    notAvailableYet(QStringLiteral("Renaming"));
-}
-
-void PerchFtpShellController::didRequestDeletePath(PerchFilePaneController*, QString const&, bool, bool)
-{
-    notAvailableYet(QStringLiteral("Deleting"));
-}
-
-void PerchFtpShellController::didRequestDeletePaths(PerchFilePaneController*, PaneEntries const&, bool)
-{
-    notAvailableYet(QStringLiteral("Deleting"));
-}
-
-void PerchFtpShellController::didRequestChangePermissions(PerchFilePaneController*, PaneEntries const&, bool)
-{
-    notAvailableYet(QStringLiteral("Changing permissions"));
-}
-
 } // namespace perchftp::app

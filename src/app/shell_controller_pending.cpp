@@ -29,26 +29,6 @@ void PerchFtpShellController::openSavedConnection()
     notAvailableYet(QStringLiteral("Opening saved connections"));
 }
 
-void PerchFtpShellController::enqueueUpload()
-{
-    notAvailableYet(QStringLiteral("Uploading"));
-}
-
-void PerchFtpShellController::enqueueDownload()
-{
-    notAvailableYet(QStringLiteral("Downloading"));
-}
-
-void PerchFtpShellController::centerUploadAction()
-{
-    notAvailableYet(QStringLiteral("Uploading"));
-}
-
-void PerchFtpShellController::centerDownloadAction()
-{
-    notAvailableYet(QStringLiteral("Downloading"));
-}
-
 void PerchFtpShellController::openLocalFolder()
 {
     notAvailableYet(QStringLiteral("The folder picker"));

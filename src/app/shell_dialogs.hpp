@@ -57,6 +57,11 @@ public:
 
     // The licence shown before anything else; true when the user accepts it.
     virtual bool acceptLicence(QString const& licenceText, QIcon const& icon) = 0;
+
+    // Transfers: an alert whose accessory is one check box, off at first. It answers as runAlert()
+    // does, and `checked` receives the box's state whichever button was pressed.
+    virtual int runAlertWithCheckBox(QWidget* parent, AlertRequest const& request, QString const& checkBoxTitle,
+        bool& checked) = 0;
 };
 
 // The real dialogs of the desktop.

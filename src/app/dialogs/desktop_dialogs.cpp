@@ -2,6 +2,7 @@
 #include "app/dialogs/saved_connection_picker.hpp"
 #include "app/shell_dialogs.hpp"
 
+#include <QCheckBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -113,6 +114,24 @@ public:
         alert.addButton(QStringLiteral("Accept"));
         alert.addButton(QStringLiteral("Decline"));
         return alert.exec() == kFirstAlertButton;
+    }
+
+    // Transfers: the conflict alert and its "remember" box.
+    int runAlertWithCheckBox(QWidget* parent, AlertRequest const& request, QString const& checkBoxTitle,
+        bool& checked) override
+    {
+        AccessoryAlert alert(parent, request.messageText, request.informativeText, request.icon);
+        auto* box = new QCheckBox(checkBoxTitle);
+        box->setChecked(false);
+        box->setFixedSize(280, 20);
+        alert.setAccessory(box);
+        QStringList const titles = request.buttons.isEmpty() ? QStringList{QStringLiteral("OK")} : request.buttons;
+        for (QString const& title : titles) {
+            alert.addButton(title);
+        }
+        int const answer = alert.exec();
+        checked = box->isChecked();
+        return answer;
     }
 };
 

@@ -53,4 +53,16 @@ bool ScriptedShellDialogs::acceptLicence(QString const& licenceText, QIcon const
     return next<bool>({QStringLiteral("licence"), {}, licenceText, {}}).value_or(false);
 }
 
+// Transfers.
+int ScriptedShellDialogs::runAlertWithCheckBox(QWidget*, app::AlertRequest const& request, QString const& checkBoxTitle,
+    bool& checked)
+{
+    Question question{QStringLiteral("checkBoxAlert"), request.messageText, request.informativeText,
+        request.buttons + QStringList{checkBoxTitle}};
+    int const last = app::kFirstAlertButton + static_cast<int>(std::max<qsizetype>(request.buttons.size(), 1)) - 1;
+    auto const answer = next<CheckBoxAlertAnswer>(std::move(question));
+    checked = answer && answer->checked;
+    return answer ? answer->button : last;
+}
+
 } // namespace perchftp::test

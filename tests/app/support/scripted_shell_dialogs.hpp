@@ -28,13 +28,21 @@ public:
         QString text;
     };
 
-    using Answer = std::variant<QString, int, TextAnswer, app::SavedConnectionAnswer, bool>;
+    // An alert with a check box: the button pressed and the state the box was left in.
+    struct CheckBoxAlertAnswer {
+        int button = app::kFirstAlertButton;
+        bool checked = false;
+    };
+
+    using Answer = std::variant<QString, int, TextAnswer, app::SavedConnectionAnswer, bool, CheckBoxAlertAnswer>;
 
     void expectFolder(QString folder) { answers_.push_back(std::move(folder)); }
     void expectAlertButton(int result) { answers_.push_back(result); }
     void expectText(std::optional<QString> text) { answers_.push_back(TextAnswer{text.has_value(), text.value_or(QString())}); }
     void expectSavedConnection(app::SavedConnectionAnswer answer) { answers_.push_back(answer); }
     void expectLicence(bool accepted) { answers_.push_back(accepted); }
+    // Transfers: the question's kind is "checkBoxAlert", its options the buttons and then the box's title.
+    void expectCheckBoxAlert(int button, bool checked) { answers_.push_back(CheckBoxAlertAnswer{button, checked}); }
 
     std::deque<Question> const& questions() const { return questions_; }
     bool scriptIsUsedUp() const { return answers_.empty(); }
@@ -46,6 +54,8 @@ public:
     app::SavedConnectionAnswer chooseSavedConnection(QWidget*, QStringList const& rows, QIcon const&) override;
     std::optional<QString> editBugReport(QWidget*, QString const& templateText, QIcon const&) override;
     bool acceptLicence(QString const& licenceText, QIcon const&) override;
+    int runAlertWithCheckBox(QWidget*, app::AlertRequest const& request, QString const& checkBoxTitle,
+        bool& checked) override;
 
 private:
     template <typename T>

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+#include <string>
+
+// Path rules of transfers and file operations. They work on text only and never touch the disk
+// or the server.
+namespace perchftp::app::detail {
+
+// A remote folder and a name joined by exactly one "/": an empty base or "/" gives "/" + leaf.
+std::string joinRemotePath(std::string const& base, std::string const& leaf);
+
+// Whether a failed mkdir reads as "the folder is already there". Deliberately wide: any message
+// that holds "exist", in any case, passes, also one saying that something does not exist.
+bool messageLooksLikeAlreadyExists(std::string const& message);
+
+// The last component of a path, trailing slashes ignored: "/a/b/" gives "b", "/" gives "/" and
+// "" gives "".
+QString lastPathComponent(QString const& path);
+
+// The bytes of a path for the disk or the wire, and back. Bytes that are not UTF-8 survive the
+// round trip (see pane_file_names.hpp).
+std::string pathBytes(QString const& path);
+QString pathText(std::string const& bytes);
+
+} // namespace perchftp::app::detail
