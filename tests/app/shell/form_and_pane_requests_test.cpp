@@ -76,8 +76,8 @@ TEST_F(FormAndPaneRequests, ActionsOfLaterWorkflowsSayTheyAreNotAvailableYet)
 {
     controller().saveConnection();
     EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Saving connections is not available yet."));
-    controller().didRequestCreateFolder(controller().remotePane(), true);
-    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Creating folders is not available yet."));
+    controller().openSavedConnection();
+    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Opening saved connections is not available yet."));
 }
 
 TEST_F(FormAndPaneRequests, TheControllerTearsDownAnOpenSessionWithADisconnect)
