@@ -44,7 +44,7 @@ protected:
 
     void disconnect() { controller().setSession(nullptr); }
     QStringList logLines() const { return log_.toPlainText().split(u'\n', Qt::SkipEmptyParts); }
-    int modeOf(std::string const& remotePath) const
+    int modeOf(std::string const& remotePath)
     {
         struct stat info{};
         ::stat(server().local(remotePath).c_str(), &info);
@@ -104,6 +104,7 @@ TEST_F(FileOperations, LocalFailuresShowTheSystemsWords)
 TEST_F(FileOperations, CanceledAndUnchangedPromptsTouchNothing)
 {
     putLocalFile("keep.txt", "k");
+    ASSERT_TRUE(waitUntil([this] { return controller().statusPopupWindow() == nullptr; })) << "the start's popup goes";
     dialogs().expectText(std::nullopt);
     controller().createFolderInPane(true);
     EXPECT_EQ(banner(), "Folder creation canceled.");
@@ -243,35 +244,36 @@ TEST_F(FileOperations, SeveralRemoteItemsAreDeletedFoldersWithTheirTrees)
     EXPECT_EQ(popupMessage(), "Deleted 2 remote item(s).");
 }
 
-TEST_F(FileOperations, PermissionsAreProposedFromTheFirstItemAndAppliedOnTheServer)
+// The mode travels to the server in decimal, so the digits the server reads are not those the
+// user typed: 644 arrives as 420, and a mode whose decimal form holds an 8 or a 9 is refused.
+TEST_F(FileOperations, PermissionsAreProposedFromTheFirstItemAndSentToTheServerAsADecimalNumber)
 {
     putRemoteFile("/a.sh", "a");
     putRemoteFile("/b.sh", "b");
-    ::chmod(server().local("/a.sh").c_str(), 0644);
-    dialogs().expectText(QStringLiteral("rwxr-x---"));
-    controller().changePermissionsForItems({item("/a.sh", false, "-rw-r--r--"), item("/b.sh")}, true);
+    dialogs().expectText(QStringLiteral("rw-r--r--"));
+    controller().changePermissionsForItems({item("/a.sh", false, "-rwxr-xr-x"), item(""), item("/b.sh")}, true);
     EXPECT_EQ(dialogs().questions().back().title, "Change Permissions");
     EXPECT_EQ(dialogs().questions().back().text, "Enter numeric octal (644) or symbolic (rwxr-xr-x).");
-    EXPECT_EQ(dialogs().questions().back().options, (QStringList{"644", "644 or rwxr-xr-x"}));
-    EXPECT_EQ(modeOf("/a.sh"), 0750);
-    EXPECT_EQ(modeOf("/b.sh"), 0750);
-    EXPECT_EQ(popupMessage(), "Updated permissions of 2 remote item(s) to 750.");
+    EXPECT_EQ(dialogs().questions().back().options, (QStringList{"755", "644 or rwxr-xr-x"}));
+    EXPECT_EQ(server().receivedCommands({"SITE"}), (std::vector<std::string>{"SITE CHMOD 420 /a.sh", "SITE CHMOD 420 /b.sh"}));
+    EXPECT_EQ(modeOf("/a.sh"), 0420);
+    EXPECT_EQ(modeOf("/b.sh"), 0420);
+    EXPECT_EQ(popupMessage(), "Updated permissions of 3 remote item(s) to 644.");
+    EXPECT_EQ(banner(), "Remote listing refreshed.");
 
     dialogs().expectText(QStringLiteral("rwxr-xr-s"));
     controller().changePermissionsForItems({item("/a.sh", false, "")}, true);
     EXPECT_EQ(dialogs().questions().back().options.front(), "755") << "nothing to read proposes 755";
     EXPECT_EQ(banner(), "Invalid permission format. Use octal (644) or symbolic (rwxr-xr-x).");
-    EXPECT_EQ(modeOf("/a.sh"), 0750);
+    EXPECT_TRUE(bannerIsError());
 
-    dialogs().expectText(QStringLiteral("600"));
-    controller().changePermissionsForItems({item("/a.sh", false, "weird")}, true);
+    dialogs().expectText(QStringLiteral("750"));
+    controller().changePermissionsForItems({item("/a.sh", false, "weird"), item("/b.sh")}, true);
     EXPECT_EQ(dialogs().questions().back().options.front(), "weird") << "unreadable text is offered as it stands";
-    EXPECT_EQ(modeOf("/a.sh"), 0600);
-
-    server().setReply("SITE CHMOD", "550 Refused.");
-    dialogs().expectText(QStringLiteral("644"));
-    controller().changePermissionsForItems({item("/a.sh")}, true);
-    EXPECT_TRUE(popupMessage().startsWith("Remote permission change failed: ftp operation failed: "));
+    EXPECT_TRUE(popupMessage().startsWith("Remote permission change failed: ftp operation failed: "))
+        << "the server reads 488 as octal and refuses it";
+    EXPECT_EQ(modeOf("/a.sh"), 0420);
+    EXPECT_EQ(server().receivedCommands({"SITE"}).size(), 3u) << "the first failure ends the loop";
 }
 
 // A local file dropped on the real remote pane, the way a user drags it there.

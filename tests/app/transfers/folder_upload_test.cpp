@@ -278,11 +278,14 @@ TEST_F(FolderUpload, AnEntryWhosePathCantBeResolvedStopsTheWalk)
     EXPECT_TRUE(jobs().empty());
 }
 
-TEST_F(FolderUpload, ALocalFolderWithATrailingSlashKeepsTheRootAsItsTarget)
+TEST_F(FolderUpload, ALocalFolderWithATrailingSlashAimsAtTheRootWhichCantBeMade)
 {
     putLocalFile("loose/x.txt", "x");
     uploadFolder("loose/");
-    EXPECT_EQ(remoteContent("/x.txt"), "x") << "an empty file name leaves the remote root as it is";
+    EXPECT_EQ(controller().remoteTransferField()->text(), "/") << "an empty file name leaves the remote root as it is";
+    EXPECT_TRUE(banner().startsWith("Remote folder create failed: ftp operation failed: ")) << banner().toStdString();
+    EXPECT_EQ(popupMessage(), "Folder upload failed.");
+    EXPECT_FALSE(remoteExists("/x.txt"));
 }
 
 } // namespace
