@@ -25,8 +25,7 @@ QString ScriptedShellDialogs::chooseExistingFolder(QWidget*, QString const& titl
 int ScriptedShellDialogs::runAlert(QWidget*, app::AlertRequest const& request)
 {
     Question question{QStringLiteral("alert"), request.messageText, request.informativeText, request.buttons};
-    int const last = app::kFirstAlertButton + static_cast<int>(std::max<qsizetype>(request.buttons.size(), 1)) - 1;
-    return next<int>(std::move(question)).value_or(last);
+    return next<int>(std::move(question)).value_or(ShellDialogs::runAlert(nullptr, request));
 }
 
 std::optional<QString> ScriptedShellDialogs::askForText(QWidget*, QString const& title, QString const& message,
@@ -59,10 +58,12 @@ int ScriptedShellDialogs::runAlertWithCheckBox(QWidget*, app::AlertRequest const
 {
     Question question{QStringLiteral("checkBoxAlert"), request.messageText, request.informativeText,
         request.buttons + QStringList{checkBoxTitle}};
-    int const last = app::kFirstAlertButton + static_cast<int>(std::max<qsizetype>(request.buttons.size(), 1)) - 1;
     auto const answer = next<CheckBoxAlertAnswer>(std::move(question));
-    checked = answer && answer->checked;
-    return answer ? answer->button : last;
+    if (!answer) {
+        return ShellDialogs::runAlertWithCheckBox(nullptr, request, checkBoxTitle, checked);
+    }
+    checked = answer->checked;
+    return answer->button;
 }
 
 } // namespace perchftp::test
