@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/pane/perch_file_pane_controller_delegate.hpp"
+#include "app/queue/queue_view_mirror.hpp"
 #include "app/shell_dialogs.hpp"
 #include "app/status/status_popup.hpp"
 #include "app/transfers/shell_prompts.hpp"
@@ -131,6 +132,8 @@ public:
     void setRememberTransferConflictDecision(bool value) { rememberTransferConflictDecision_ = value; }
     bool replaceOnTransferConflict() const { return replaceOnTransferConflict_; }
     void setReplaceOnTransferConflict(bool value) { replaceOnTransferConflict_ = value; }
+    // The queue view's reload for one changed job, as the queue's observers call it.
+    void reloadQueueSummary(transfer::TransferQueueItem const& changed);
 
     // Members, each with its accessor pair. A setter only changes what the controller talks to;
     // ownership stays where it is.
@@ -265,6 +268,7 @@ private:
     protocol::SessionResult removeRemoteItem(std::string const& path, bool isDirectory);
     void failFileOperation(QString const& text);
     void finishFileOperation(QString const& banner, QString const& popup, bool isRemote);
+    void showQueueCounts();
 
     std::unique_ptr<ShellDialogs> dialogs_;
     transfer::TransferQueueService transferQueue_;
@@ -272,6 +276,7 @@ private:
     std::unique_ptr<storage::IPersistentStore> siteStore_;
     bool rememberTransferConflictDecision_ = false;
     bool replaceOnTransferConflict_ = false;
+    QueueViewMirror queueViewMirror_;
     QString baseFolder_;
 
     PerchFilePaneController* localPane_ = nullptr;

@@ -28,32 +28,50 @@ void appendStatusLine(QPlainTextEdit* view, std::string const& line)
 // One snapshot feeds the counts and the rows, so that the two always agree.
 void PerchFtpShellController::reloadQueueSummary()
 {
-    std::vector<transfer::TransferQueueItem> const jobs = transferQueue_.queue().snapshot();
-    std::size_t running = 0;
-    std::size_t completed = 0;
-    std::size_t failed = 0;
-    for (auto const& job : jobs) {
-        running += job.state == transfer::JobState::Running ? 1 : 0;
-        completed += job.state == transfer::JobState::Completed ? 1 : 0;
-        failed += job.state == transfer::JobState::Failed ? 1 : 0;
-    }
-    if (queueSummary_) {
-        queueSummary_->setText(QStringLiteral("Queue: %1 total | Running: %2 | Completed: %3 | Failed: %4")
-                                   .arg(jobs.size())
-                                   .arg(running)
-                                   .arg(completed)
-                                   .arg(failed));
-    }
-    if (clearQueueButton_) {
-        clearQueueButton_->setEnabled(!jobs.empty());
-    }
+    queueViewMirror_.reset(transferQueue_.queue().snapshot());
+    showQueueCounts();
     if (queueTableDataSource_ && queueTable_) {
         std::vector<QueueRow> rows;
-        rows.reserve(jobs.size());
-        for (auto const& job : jobs) {
+        rows.reserve(queueViewMirror_.jobs().size());
+        for (auto const& job : queueViewMirror_.jobs()) {
             rows.push_back(queueRowFromItem(job));
         }
         queueTableDataSource_->setItems(std::move(rows));
+    }
+}
+
+// The reload of a queue observer. It leaves the view as the whole reload would, doing only the
+// work that the changed job calls for: nothing when an earlier observer has shown the change.
+void PerchFtpShellController::reloadQueueSummary(transfer::TransferQueueItem const& changed)
+{
+    std::size_t row = 0;
+    switch (queueViewMirror_.apply(changed, row)) {
+    case QueueViewMirror::Change::None:
+        return;
+    case QueueViewMirror::Change::Unknown:
+        reloadQueueSummary();
+        return;
+    case QueueViewMirror::Change::Row:
+        break;
+    }
+    showQueueCounts();
+    if (queueTableDataSource_ && queueTable_) {
+        queueTableDataSource_->setItem(row, queueRowFromItem(changed));
+    }
+}
+
+void PerchFtpShellController::showQueueCounts()
+{
+    QueueViewMirror::Counts const& counts = queueViewMirror_.counts();
+    if (queueSummary_) {
+        queueSummary_->setText(QStringLiteral("Queue: %1 total | Running: %2 | Completed: %3 | Failed: %4")
+                                   .arg(counts.total)
+                                   .arg(counts.running)
+                                   .arg(counts.completed)
+                                   .arg(counts.failed));
+    }
+    if (clearQueueButton_) {
+        clearQueueButton_->setEnabled(counts.total != 0);
     }
 }
 

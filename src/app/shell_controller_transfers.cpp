@@ -293,7 +293,7 @@ bool PerchFtpShellController::executeQueuedTransfer(JobType type, std::string co
     }
     // One observer per job, kept for the life of the queue: every later change of any job calls
     // all of them.
-    transferQueue_.queue().observe(id, [this](transfer::TransferQueueItem const&) { reloadQueueSummary(); });
+    transferQueue_.queue().observe(id, [this](transfer::TransferQueueItem const& job) { reloadQueueSummary(job); });
     reloadQueueSummary();
 
     protocol::TransferParams const params{localPath, remotePath, false};

@@ -39,6 +39,16 @@ void PerchQueueTableDataSource::setItems(std::vector<QueueRow> items)
     endResetModel();
 }
 
+void PerchQueueTableDataSource::setItem(std::size_t index, QueueRow item)
+{
+    if (index >= items_.size()) {
+        return;
+    }
+    items_[index] = std::move(item);
+    int const row = static_cast<int>(index);
+    emit dataChanged(this->index(row, 0), this->index(row, ColumnCount - 1));
+}
+
 int PerchQueueTableDataSource::rowCount(QModelIndex const& parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(items_.size());

@@ -37,6 +37,8 @@ public:
 
     std::vector<QueueRow> const& items() const { return items_; }
     void setItems(std::vector<QueueRow> items);
+    // Replaces one row; an index out of range is ignored.
+    void setItem(std::size_t index, QueueRow item);
 
     int rowCount(QModelIndex const& parent = {}) const override;
     int columnCount(QModelIndex const& parent = {}) const override;

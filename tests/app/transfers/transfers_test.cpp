@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "app/queue/queue_table_model.hpp"
+
+#include <QLabel>
 #include <QLineEdit>
 
 namespace perchftp::test {
@@ -318,6 +321,31 @@ TEST_F(Transfers, OutcomesWithoutARunAreRecordedAsTheirTableSays)
     EXPECT_EQ(seen, (std::vector<std::pair<JobState, std::string>>{{JobState::Skipped, "because"},
                         {JobState::Canceled, ""}, {JobState::Failed, "kept"}, {JobState::Completed, ""},
                         {JobState::Queued, ""}}));
+}
+
+TEST_F(Transfers, TheQueueViewAfterTransfersIsWhatAWholeReloadShows)
+{
+    putLocalFile("a.txt", "A");
+    putLocalFile("b.txt", "B");
+    controller().recordTransferQueueOutcome(JobType::Upload, "/l", "/r", "ftp", JobState::Skipped, "earlier");
+    server().setReply("STOR b.txt", "553 Refused.");
+    transfer(JobType::Upload, localText("a.txt"), QStringLiteral("/a.txt"));
+    transfer(JobType::Upload, localText("b.txt"), QStringLiteral("/b.txt"));
+    ASSERT_EQ(jobs().back().state, JobState::Failed) << "the run ends on an observer's reload, not a whole one";
+
+    auto const shownRows = [this] {
+        QStringList rows;
+        for (auto const& row : controller().queueTableDataSource()->items()) {
+            rows << row.file + "|" + row.status + "|" + row.timestamp + "|" + QString::number(row.progressValue);
+        }
+        return rows;
+    };
+    QStringList const rows = shownRows();
+    QString const summary = controller().queueSummary()->text();
+    controller().reloadQueueSummary();
+    EXPECT_EQ(shownRows(), rows);
+    EXPECT_EQ(controller().queueSummary()->text(), summary);
+    EXPECT_EQ(summary, "Queue: 3 total | Running: 0 | Completed: 1 | Failed: 1");
 }
 
 } // namespace
