@@ -38,6 +38,7 @@ class PerchFilePaneController;
 class PerchPaneSplitView;
 class PerchQueueTableDataSource;
 class PerchStatusBanner;
+struct SavedConnectionItem;
 
 // The shell's one controller. It owns the queue, the saved connections, the store, the session,
 // the dialog seam and every widget of the main window, and it runs every workflow of the shell
@@ -214,6 +215,20 @@ private:
     // Status pieces.
     void takeAwayPopup();
     void notAvailableYet(QString const& what);
+
+    // Session pieces. The protocol's title as the selector shows it, null with nothing selected;
+    // its name as a session is made for it, trimmed and lowered, "ftp" when empty.
+    QString selectedProtocolTitle() const;
+    std::string selectedProtocolName() const;
+    void announceConnectionStep(QString const& message);
+    void drawConnectionPopupNow();
+    // Disconnects and destroys the session, if there is one; the answer is not read.
+    void endSession();
+
+    // Saved connection pieces.
+    storage::SiteProfile siteProfileFromForm(std::string name, QString const& protocolTitle, int port) const;
+    void deleteSavedConnection(SavedConnectionItem const& item);
+    void loadSavedConnection(SavedConnectionItem const& item, bool editing);
 
     std::unique_ptr<ShellDialogs> dialogs_;
     transfer::TransferQueueService transferQueue_;

@@ -74,8 +74,8 @@ TEST_F(FormAndPaneRequests, SelectionsAreKeptInTheHiddenTransferFields)
 
 TEST_F(FormAndPaneRequests, ActionsOfLaterWorkflowsSayTheyAreNotAvailableYet)
 {
-    controller().saveConnection();
-    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Saving connections is not available yet."));
+    controller().enqueueUpload();
+    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Uploading is not available yet."));
     controller().didRequestCreateFolder(controller().remotePane(), true);
     EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Creating folders is not available yet."));
 }
