@@ -284,5 +284,21 @@ TEST_F(FtpSessionWorkflow, TheRootLadderKeepsTheEmptyPathAndRootsTheRows)
     EXPECT_TRUE(controller().isConnected());
 }
 
+TEST_F(FtpSessionWorkflow, OpeningASavedConnectionWhileConnectedListsItsRemotePathThroughTheOpenSession)
+{
+    connectToServer();
+    storage::SiteProfile saved = siteProfile("Elsewhere", "sftp", "elsewhere.example.org", 22);
+    saved.remoteRoot = "/docs";
+    ASSERT_NE(controller().siteManager().addSite(saved), 0);
+    dialogs().expectSavedConnection({app::kFirstAlertButton, 0});
+    controller().openSavedConnectionButton()->click();
+
+    EXPECT_EQ(controller().hostField()->text(), "elsewhere.example.org") << "the form changes";
+    EXPECT_TRUE(controller().isConnected()) << "the session stays what it was";
+    EXPECT_EQ(controller().remotePane()->pathValue(), "/docs");
+    EXPECT_THAT(remoteNames(), testing::UnorderedElementsAre("archive", "notes.txt"));
+    EXPECT_EQ(banner(), "✅ Loaded saved connection \"Elsewhere\".");
+}
+
 } // namespace
 } // namespace perchftp::test
