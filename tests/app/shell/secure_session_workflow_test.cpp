@@ -114,7 +114,11 @@ TEST_F(SftpSessionWorkflow, AWrongPasswordIsRefusedBySsh)
         "not-the-password");
     controller().connectButton()->click();
     EXPECT_EQ(controller().session(), nullptr);
-    EXPECT_THAT(banner().toStdString(), testing::StartsWith("⚠️ Connect failed: sftp connect: "));
+    EXPECT_EQ(banner(), "⚠️ Connect failed: sftp connect: Login denied");
+    EXPECT_THAT(seen().popupMessages(),
+        ElementsAre("Resolving 127.0.0.1:" + QString::number(server_->port()) + " via sftp...",
+            "Preparing protocol adapter...", "Opening session for 127.0.0.1...",
+            "Connect failed: sftp connect: Login denied"));
 }
 
 } // namespace
