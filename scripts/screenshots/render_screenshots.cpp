@@ -1,8 +1,10 @@
 // Starts the real shell the way the program does and saves what the screen shows: the splash
 // while it is up, the main window once the splash timer has brought it to the front, and the
-// connection popup over it.
+// connection popup over it. Before all that, the licence question of a first start.
 // Run it through scripts/render-screenshots, which gives it an X server and fresh user folders.
 #include "app/pane/perch_file_pane_controller.hpp"
+#include "app/app_icons.hpp"
+#include "app/dark_appearance.hpp"
 #include "app/shell_paths.hpp"
 #include "app/shell_startup.hpp"
 #include "storage/persistent_store.hpp"
@@ -10,6 +12,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
+#include <QPushButton>
 #include <QPixmap>
 #include <QScreen>
 #include <QTimer>
@@ -54,6 +58,33 @@ void saveDemoConnection(QString const& localRoot)
     perchftp::storage::createFileStore(QDir(base).filePath(QStringLiteral("perchftp-sites.db")).toStdString())->save(snapshot);
 }
 
+// Shows the licence question the first start asks, saves it and declines it.
+bool renderLicenceGate(QString const& path)
+{
+    perchftp::app::ensureShellResources();
+    QFile licence(QStringLiteral(":/perchftp/licence.txt"));
+    licence.open(QIODevice::ReadOnly);
+    bool saved = false;
+    auto* poll = new QTimer;
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, path, &saved] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog || !dialog->isVisible()) {
+            return;
+        }
+        poll->stop();
+        poll->deleteLater();
+        saved = dialog->grab().save(path);
+        for (auto* button : dialog->findChildren<QPushButton*>()) {
+            if (button->text() == QStringLiteral("Decline")) {
+                button->click();
+            }
+        }
+    });
+    poll->start(200);
+    perchftp::app::createDesktopDialogs()->acceptLicence(QString::fromUtf8(licence.readAll()), perchftp::app::appIconImage());
+    return saved;
+}
+
 void fillDemoQueue(perchftp::app::PerchFtpShellController& controller)
 {
     auto& service = controller.transferQueue();
@@ -82,6 +113,8 @@ int main(int argc, char** argv)
     QString const output = QString::fromLocal8Bit(argv[1]);
     QDir().mkpath(output);
     saveDemoConnection(QString::fromLocal8Bit(argv[2]));
+    perchftp::app::applyDarkAppearance(application);
+    bool ok = renderLicenceGate(output + QStringLiteral("/licence.png"));
 
     auto shell = perchftp::app::startDesktopShell(application, perchftp::app::createDesktopDialogs());
     if (!shell) {
@@ -89,7 +122,7 @@ int main(int argc, char** argv)
         return 1;
     }
     waitFor(500);
-    bool ok = shell->splash->grab().save(output + QStringLiteral("/splash.png"));
+    ok = shell->splash->grab().save(output + QStringLiteral("/splash.png")) && ok;
 
     waitFor(1500);
     auto& controller = *shell->controller;

@@ -4,7 +4,7 @@
 #include "app/queue/queue_view_mirror.hpp"
 #include "app/shell_dialogs.hpp"
 #include "app/status/status_popup.hpp"
-#include "app/transfers/shell_prompts.hpp"
+#include "app/transfers/transfer_prompts.hpp"
 #include "protocol/remote_session.hpp"
 #include "storage/persistent_store.hpp"
 #include "storage/site_manager.hpp"
@@ -43,6 +43,7 @@ class PerchFilePaneController;
 class PerchPaneSplitView;
 class PerchQueueTableDataSource;
 class PerchStatusBanner;
+struct SavedConnectionItem;
 
 // The shell's one controller. It owns the queue, the saved connections, the store, the session,
 // the dialog seam and every widget of the main window, and it runs every workflow of the shell
@@ -247,9 +248,22 @@ private:
     void takeAwayPopup();
     void notAvailableYet(QString const& what);
 
+    // Session pieces. The protocol's title as the selector shows it, null with nothing selected;
+    // its name as a session is made for it, trimmed and lowered, "ftp" when empty.
+    QString selectedProtocolTitle() const;
+    std::string selectedProtocolName() const;
+    void announceConnectionStep(QString const& message);
+    void drawConnectionPopupNow();
+    // Disconnects and destroys the session, if there is one; the answer is not read.
+    void endSession();
+
+    // Saved connection pieces.
+    storage::SiteProfile siteProfileFromForm(std::string name, QString const& protocolTitle, int port) const;
+    void deleteSavedConnection(SavedConnectionItem const& item);
+    void loadSavedConnection(SavedConnectionItem const& item, bool editing);
+
     // Transfer and file operation pieces.
     void transferPaneSelection(PerchFilePaneController* pane, bool isRemote);
-    std::string selectedProtocolName() const;
     void runUploadPaths(std::filesystem::path const& localPath, std::string remotePath, bool localIsDirectory,
         std::string const& protocolName);
     void runDownloadPaths(std::filesystem::path localPath, std::string const& remotePath,

@@ -9,26 +9,6 @@ void PerchFtpShellController::notAvailableYet(QString const& what)
     setStatusText(QStringLiteral("%1 is not available yet.").arg(what), false);
 }
 
-void PerchFtpShellController::connectSession()
-{
-    notAvailableYet(QStringLiteral("Connecting"));
-}
-
-void PerchFtpShellController::disconnectSession()
-{
-    notAvailableYet(QStringLiteral("Disconnecting"));
-}
-
-void PerchFtpShellController::saveConnection()
-{
-    notAvailableYet(QStringLiteral("Saving connections"));
-}
-
-void PerchFtpShellController::openSavedConnection()
-{
-    notAvailableYet(QStringLiteral("Opening saved connections"));
-}
-
 void PerchFtpShellController::openLocalFolder()
 {
     notAvailableYet(QStringLiteral("The folder picker"));

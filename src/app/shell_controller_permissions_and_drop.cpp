@@ -4,6 +4,7 @@
 
 #include "app/pane/pane_paths.hpp"
 #include "app/pane/perch_file_pane_controller.hpp"
+#include "app/shell_prompts.hpp"
 #include "app/transfers/permission_modes.hpp"
 #include "app/transfers/transfer_paths.hpp"
 

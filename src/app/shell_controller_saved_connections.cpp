@@ -1,8 +1,10 @@
-// The connection form and the saved connections: loading a profile into the form and the panes,
-// remembering the connection and the local folder used last, and the protocol's default port.
+// The connection form and the saved connections: saving the form, loading a profile into the form
+// and the panes, remembering the connection and the local folder used last, and the protocol's
+// default port. Saved data changes in memory first and on disk second.
 #include "app/shell_controller.hpp"
 
 #include "app/pane/perch_file_pane_controller.hpp"
+#include "app/shell_prompts.hpp"
 #include "app/shell_text.hpp"
 
 #include <QComboBox>
@@ -10,6 +12,8 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QSettings>
+
+#include <algorithm>
 
 namespace perchftp::app {
 
@@ -28,6 +32,84 @@ QString readable(std::string const& text, QString const& replacement)
 }
 
 } // namespace
+
+// A name already saved is overwritten without a question and keeps its id. A new name for the same
+// host, user and protocol is refused by the site manager whatever the port, so the form can edit a
+// saved connection but not copy or rename it.
+void PerchFtpShellController::saveConnection()
+{
+    QString const host = hostField_->text();
+    QString protocolTitle = selectedProtocolTitle();
+    if (protocolTitle.isNull()) {
+        protocolTitle = QStringLiteral("ftp");
+    }
+    if (host.isEmpty()) {
+        setStatusText(QStringLiteral("Host is required before saving a connection."), true);
+        return;
+    }
+    int const port = detail::leadingIntValue(portField_->text());
+    if (port < 1 || port > 65535) {
+        setStatusText(QStringLiteral("Port must be between 1 and 65535 before saving."), true);
+        return;
+    }
+    std::optional<QString> const answer = promptForText(*dialogs_, hostWindow_, QStringLiteral("Save Connection"),
+        QStringLiteral("Enter a saved connection name."), host, QStringLiteral("My Server"));
+    if (!answer) {
+        setStatusText(QStringLiteral("Save connection canceled."), false);
+        return;
+    }
+
+    std::string const name = detail::qtToCpp(*answer);
+    storage::SiteProfile const profile = siteProfileFromForm(name, protocolTitle, port);
+    std::vector<storage::SiteProfile> const sites = siteManager_.listSites();
+    auto const existing = std::find_if(
+        sites.begin(), sites.end(), [&](storage::SiteProfile const& site) { return site.name == name; });
+    std::int32_t id = 0;
+    QString message;
+    if (existing != sites.end()) {
+        if (!siteManager_.updateSite(existing->id, profile)) {
+            setStatusText(QStringLiteral("Existing connection was found, but updating it failed."), true);
+            return;
+        }
+        id = existing->id;
+        message = QStringLiteral("Updated saved connection \"%1\".").arg(*answer);
+    } else {
+        id = siteManager_.addSite(profile);
+        if (id == 0) {
+            setStatusText(QStringLiteral("Connection details are invalid and could not be saved."), true);
+            return;
+        }
+        message = QStringLiteral("Saved connection \"%1\".").arg(*answer);
+    }
+    if (siteStore_ && !siteStore_->save(siteManager_.snapshot())) {
+        setStatusText(QStringLiteral("Connection updated in memory, but saving to disk failed."), true);
+        return;
+    }
+    if (id != 0) {
+        persistLastUsedConnectionNamed(name);
+    }
+    setStatusText(message, false);
+}
+
+// The form as a profile; every field the form does not hold keeps its default.
+storage::SiteProfile PerchFtpShellController::siteProfileFromForm(
+    std::string name, QString const& protocolTitle, int port) const
+{
+    QString const localRoot = localPane_->pathValue();
+    QString const remoteRoot = remotePane_->pathValue();
+    storage::SiteProfile profile;
+    profile.name = std::move(name);
+    profile.protocol = detail::lowerAscii(detail::qtToCpp(protocolTitle));
+    profile.host = detail::qtToCpp(hostField_->text());
+    profile.port = port;
+    profile.user = detail::qtToCpp(userField_->text());
+    profile.secretRef = detail::qtToCpp(secretField_->text());
+    profile.localRoot = detail::qtToCpp(localRoot.isNull() ? QDir::homePath() : localRoot);
+    profile.remoteRoot = detail::qtToCpp(remoteRoot.isNull() ? QStringLiteral("/") : remoteRoot);
+    profile.group = "General";
+    profile.quickConnect = false;
+    return profile;
+}
 
 void PerchFtpShellController::applySavedSiteProfile(storage::SiteProfile const& profile)
 {
@@ -112,15 +194,11 @@ void PerchFtpShellController::restoreLastLocalPanePath()
 // Writes the protocol's default port on every call, whatever port was typed before.
 void PerchFtpShellController::protocolSelectionDidChange()
 {
-    QString title = protocolField_->currentIndex() >= 0 ? protocolField_->currentText() : QString();
+    QString title = selectedProtocolTitle();
     if (title.isNull()) {
         title = QStringLiteral("ftp");
     }
-    std::string protocol = detail::lowerAscii(detail::trim(detail::qtToCpp(title)));
-    if (protocol.empty()) {
-        protocol = "ftp";
-    }
-    int const port = detail::defaultPortForProtocol(protocol);
+    int const port = detail::defaultPortForProtocol(selectedProtocolName());
     portField_->setText(QString::number(port));
     setStatusText(QStringLiteral("Protocol set to %1, default port %2.").arg(title).arg(port), false);
 }

@@ -1,10 +1,16 @@
-// The session as the panes see it: refreshing both panes and listing the remote one.
+// The user's connection to a server: connecting from the form, disconnecting, refreshing both
+// panes and listing the remote one. Every session call blocks the main thread; the popup is drawn
+// at once before each of them, since no event loop turn comes until the call returns.
 #include "app/shell_controller.hpp"
 
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/remote_rows.hpp"
 #include "app/shell_text.hpp"
+#include "protocol/protocol_factory.hpp"
 #include "protocol/remote_session.hpp"
+
+#include <QComboBox>
+#include <QLineEdit>
 
 namespace perchftp::app {
 
@@ -21,6 +27,117 @@ QString messageOf(protocol::SessionResult const& result)
 }
 
 } // namespace
+
+QString PerchFtpShellController::selectedProtocolTitle() const
+{
+    return protocolField_ && protocolField_->currentIndex() >= 0 ? protocolField_->currentText() : QString();
+}
+
+std::string PerchFtpShellController::selectedProtocolName() const
+{
+    QString const title = selectedProtocolTitle();
+    std::string name = detail::lowerAscii(detail::trim(detail::qtToCpp(title.isNull() ? QStringLiteral("ftp") : title)));
+    return name.empty() ? std::string("ftp") : name;
+}
+
+void PerchFtpShellController::announceConnectionStep(QString const& message)
+{
+    updateConnectionPopupMessage(message);
+    drawConnectionPopupNow();
+}
+
+// Only a repaint: pumping events here would deliver user input and posted work in mid-step.
+void PerchFtpShellController::drawConnectionPopupNow()
+{
+    if (statusPopupWindow_) {
+        statusPopupWindow_->repaint();
+    }
+}
+
+void PerchFtpShellController::endSession()
+{
+    if (session_) {
+        (void)session_->disconnect();
+        delete session_;
+        session_ = nullptr;
+    }
+}
+
+// A connect always replaces the session there is, without asking. The port has no upper bound
+// here and the host is taken as typed, blanks included: the server's answer judges them.
+void PerchFtpShellController::connectSession()
+{
+    std::string const protocolName = selectedProtocolName();
+    QString const protocolText = QString::fromStdString(protocolName);
+    QString const host = hostField_->text();
+    int const port = detail::leadingIntValue(portField_->text());
+    if (host.isEmpty() || port <= 0) {
+        setStatusText(QStringLiteral("Host and port are required to connect."), true);
+        return;
+    }
+
+    showConnectionPopupWithTitle(QStringLiteral("Connecting"),
+        QStringLiteral("Resolving %1:%2 via %3...").arg(host, QString::number(port), protocolText));
+    drawConnectionPopupNow();
+    if (session_) {
+        announceConnectionStep(QStringLiteral("Closing previous session..."));
+        endSession();
+    }
+
+    announceConnectionStep(QStringLiteral("Preparing protocol adapter..."));
+    session_ = protocol::ProtocolFactory::create(protocolName.c_str());
+    if (!session_) {
+        QString const text = QStringLiteral("Protocol adapter not available in this build.");
+        setStatusText(text, true);
+        closeConnectionPopupWithMessage(text, false);
+        return;
+    }
+
+    std::string const user = detail::qtToCpp(userField_->text());
+    std::string const password = detail::qtToCpp(secretField_->text());
+    announceConnectionStep(QStringLiteral("Opening session for %1...").arg(host));
+    protocol::SessionResult const result = session_->connect(detail::qtToCpp(host), port, user, password);
+    if (!result.ok) {
+        // The controls keep their look: after a replaced session they may still offer "Disconnect".
+        QString const text = QStringLiteral("Connect failed: ") + messageOf(result);
+        setStatusText(text, true);
+        endSession();
+        closeConnectionPopupWithMessage(text, false);
+        return;
+    }
+
+    announceConnectionStep(QStringLiteral("Session opened. Loading remote directory..."));
+    setStatusText(QStringLiteral("Connected (%1)").arg(protocolText), false);
+    refreshControlState();
+    // The empty path makes the first listing climb the root ladder.
+    remotePane_->setPathValue(QString(QLatin1String("")));
+    remotePane_->refresh();
+    logMessage("Connected to " + detail::qtToCpp(host));
+    refreshRemoteDirectory();
+    closeConnectionPopupWithMessage(QStringLiteral("Connected to %1.").arg(host), true);
+}
+
+// Cannot fail as far as the user can tell: the server's answer to the goodbye is not read.
+void PerchFtpShellController::disconnectSession()
+{
+    if (!session_) {
+        QString const text = QStringLiteral("Session already disconnected.");
+        showConnectionPopupWithTitle(QStringLiteral("Disconnecting"), text);
+        setStatusText(text, false);
+        closeConnectionPopupWithMessage(text, true);
+        return;
+    }
+
+    showConnectionPopupWithTitle(
+        QStringLiteral("Disconnecting"), QStringLiteral("Disconnecting from %1...").arg(hostField_->text()));
+    drawConnectionPopupNow();
+    endSession();
+    setStatusText(QStringLiteral("Disconnected."), false);
+    refreshControlState();
+    remotePane_->showPlaceholder(QStringLiteral("Not connected."));
+    reloadQueueSummary();
+    closeConnectionPopupWithMessage(QStringLiteral("Disconnected successfully."), true);
+}
 
 void PerchFtpShellController::refreshSession()
 {

@@ -35,7 +35,6 @@ PerchFtpShellController::PerchFtpShellController(std::unique_ptr<ShellDialogs> d
     , dialogs_(dialogs ? std::move(dialogs) : createDesktopDialogs())
     , transferQueue_(transfer::TransferQueue())
 {
-    session_ = nullptr;
     baseFolder_ = shellBaseFolder();
     makePrivateFolder(baseFolder_);
     runInstallTracker();

@@ -134,14 +134,6 @@ void PerchFtpShellController::startTransferFromPanePath(QString const& path, boo
     runTransfer(JobType::Upload);
 }
 
-// The protocol as the form names it now, which need not be that of the open session.
-std::string PerchFtpShellController::selectedProtocolName() const
-{
-    QString const title = protocolField_ ? protocolField_->currentText() : QString();
-    std::string name = detail::lowerAscii(detail::trim(detail::qtToCpp(title.isEmpty() ? QStringLiteral("ftp") : title)));
-    return name.empty() ? std::string("ftp") : name;
-}
-
 void PerchFtpShellController::runTransfer(JobType type)
 {
     if (!isConnected()) {

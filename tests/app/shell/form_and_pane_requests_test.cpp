@@ -74,10 +74,10 @@ TEST_F(FormAndPaneRequests, SelectionsAreKeptInTheHiddenTransferFields)
 
 TEST_F(FormAndPaneRequests, ActionsOfLaterWorkflowsSayTheyAreNotAvailableYet)
 {
-    controller().saveConnection();
-    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Saving connections is not available yet."));
-    controller().openSavedConnection();
-    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Opening saved connections is not available yet."));
+    controller().reportBug();
+    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Reporting bugs is not available yet."));
+    controller().showAboutPanel();
+    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ The about panel is not available yet."));
 }
 
 TEST_F(FormAndPaneRequests, TheControllerTearsDownAnOpenSessionWithADisconnect)

@@ -3,7 +3,6 @@
 #include "app/pane/perch_pane_table_model.hpp"
 #include "app/pane/perch_pane_table_view.hpp"
 #include "app/queue/queue_table_model.hpp"
-#include "protocol/protocol_factory.hpp"
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -31,12 +30,7 @@ void ConnectedShellTest::connectToServer()
     shell.portField()->setText(QString::number(server_->port()));
     shell.userField()->setText(QString::fromStdString(server_->user()));
     shell.secretField()->setText(QString::fromStdString(server_->password()));
-    // The form's own connect lands with the session workflow; until then the same steps by hand.
-    protocol::IRemoteSession* session = protocol::ProtocolFactory::create("ftp");
-    ASSERT_NE(session, nullptr);
-    ASSERT_TRUE(session->connect("127.0.0.1", server_->port(), server_->user(), server_->password()).ok);
-    shell.setSession(session);
-    shell.refreshControlState();
+    shell.connectSession();
     remotePane().setPathValue(QStringLiteral("/"));
     shell.refreshRemoteDirectory();
     ASSERT_TRUE(shell.isConnected());

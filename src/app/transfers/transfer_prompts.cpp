@@ -1,4 +1,4 @@
-#include "app/transfers/shell_prompts.hpp"
+#include "app/transfers/transfer_prompts.hpp"
 
 #include "app/app_icons.hpp"
 #include "app/shell_dialogs.hpp"
@@ -24,22 +24,6 @@ AlertRequest warningAlert(QString const& title, QString const& text, QStringList
 }
 
 } // namespace
-
-std::optional<QString> promptForText(ShellDialogs& dialogs, QWidget* window, QString const& title,
-    QString const& message, QString const& value, QString const& placeholder)
-{
-    std::optional<QString> const typed = dialogs.askForText(window, orDefault(title, QStringLiteral("Input")),
-        orDefault(message, QStringLiteral("")), orDefault(value, QStringLiteral("")),
-        orDefault(placeholder, QStringLiteral("")), appIconImage());
-    if (!typed) {
-        return std::nullopt;
-    }
-    QString trimmed = typed->trimmed();
-    if (trimmed.isEmpty()) {
-        return std::nullopt;
-    }
-    return trimmed;
-}
 
 bool confirmAction(ShellDialogs& dialogs, QWidget* window, QString const& title, QString const& text)
 {

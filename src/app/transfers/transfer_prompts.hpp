@@ -3,7 +3,6 @@
 #include <QString>
 
 #include <cstdint>
-#include <optional>
 
 class QWidget;
 
@@ -19,12 +18,8 @@ enum class TransferConflictDecision : std::intptr_t {
 };
 
 // The modal questions of transfers and file operations, asked through the dialog seam with the
-// program's icon. A null title or text takes the question's default words.
-
-// A one-line text with "OK" and "Cancel": the text trimmed, or nothing after "Cancel" or for a
-// text that is empty once trimmed.
-std::optional<QString> promptForText(ShellDialogs& dialogs, QWidget* window, QString const& title,
-    QString const& message, QString const& value, QString const& placeholder);
+// program's icon. A null title or text takes the question's default words. Text questions are
+// asked with promptForText() (app/shell_prompts.hpp).
 
 // "Delete" and "Cancel": true for "Delete".
 bool confirmAction(ShellDialogs& dialogs, QWidget* window, QString const& title, QString const& text);
