@@ -10,15 +10,6 @@
 
 namespace perchftp::app {
 
-namespace {
-
-QString textOf(std::string const& message)
-{
-    return QString::fromUtf8(message.data(), static_cast<qsizetype>(message.size()));
-}
-
-} // namespace
-
 void PerchFtpShellController::failFileOperation(QString const& text)
 {
     setStatusText(text, true);
@@ -108,7 +99,7 @@ void PerchFtpShellController::createRemoteFolder(QString const& name)
     protocol::SessionResult const made = session_->mkdir(detail::pathBytes(target));
     if (!made.ok) {
         // Unlike in a folder upload, a folder that is already there is a failure here.
-        failFileOperation(QStringLiteral("Remote folder create failed: %1").arg(textOf(made.message)));
+        failFileOperation(QStringLiteral("Remote folder create failed: %1").arg(detail::messageText(made.message)));
         return;
     }
     finishFileOperation(QStringLiteral("Created remote folder %1").arg(name),
@@ -152,7 +143,7 @@ void PerchFtpShellController::renamePanePath(QString const& path, bool isRemote,
     showConnectionPopupWithTitle(QStringLiteral("Renaming"), QStringLiteral("Renaming remote item..."));
     protocol::SessionResult const renamed = session_->rename(detail::pathBytes(path), detail::pathBytes(target));
     if (!renamed.ok) {
-        failFileOperation(QStringLiteral("Remote rename failed: %1").arg(textOf(renamed.message)));
+        failFileOperation(QStringLiteral("Remote rename failed: %1").arg(detail::messageText(renamed.message)));
         return;
     }
     finishFileOperation(QStringLiteral("Renamed remote item to %1").arg(*name),
@@ -188,7 +179,7 @@ void PerchFtpShellController::deletePanePath(QString const& path, bool isRemote,
     showConnectionPopupWithTitle(QStringLiteral("Deleting"), QStringLiteral("Deleting remote item..."));
     protocol::SessionResult const removed = removeRemoteItem(detail::pathBytes(path), isDirectory);
     if (!removed.ok) {
-        failFileOperation(QStringLiteral("Remote delete failed: %1").arg(textOf(removed.message)));
+        failFileOperation(QStringLiteral("Remote delete failed: %1").arg(detail::messageText(removed.message)));
         return;
     }
     finishFileOperation(QStringLiteral("Deleted remote item %1").arg(name),
@@ -226,7 +217,7 @@ void PerchFtpShellController::deleteSelectedItems(PaneEntries const& items, bool
         }
         protocol::SessionResult const removed = removeRemoteItem(detail::pathBytes(item.path), item.dir);
         if (!removed.ok) {
-            failFileOperation(QStringLiteral("Remote delete failed: %1").arg(textOf(removed.message)));
+            failFileOperation(QStringLiteral("Remote delete failed: %1").arg(detail::messageText(removed.message)));
             return;
         }
     }

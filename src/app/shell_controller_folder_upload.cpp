@@ -14,11 +14,6 @@ using transfer::JobType;
 
 namespace {
 
-QString textOf(std::string const& message)
-{
-    return QString::fromUtf8(message.data(), static_cast<qsizetype>(message.size()));
-}
-
 // The entry's path below the root, resolved as std::filesystem::relative() does, except that a
 // link keeps its own name: only the folder that holds it is resolved.
 fs::path relativeToRoot(fs::directory_entry const& entry, fs::path const& root, std::error_code& ec)
@@ -41,7 +36,7 @@ bool PerchFtpShellController::makeRemoteFolderTolerantly(std::string const& remo
     if (made.ok || detail::messageLooksLikeAlreadyExists(made.message)) {
         return true;
     }
-    setStatusText(QStringLiteral("Remote folder create failed: %1").arg(textOf(made.message)), true);
+    setStatusText(QStringLiteral("Remote folder create failed: %1").arg(detail::messageText(made.message)), true);
     return false;
 }
 

@@ -60,7 +60,7 @@ void PerchFtpShellController::changePermissionsForItems(PaneEntries const& items
         protocol::SessionResult const changed = session_->chmod(detail::pathBytes(item.path), mode);
         if (!changed.ok) {
             failFileOperation(QStringLiteral("Remote permission change failed: %1")
-                                  .arg(QString::fromUtf8(changed.message.data(), qsizetype(changed.message.size()))));
+                                  .arg(detail::messageText(changed.message)));
             return;
         }
     }

@@ -21,11 +21,6 @@ namespace {
 constexpr int kJobPriority = 1;
 constexpr int kJobMaxRetries = 3;
 
-QString textOf(std::string const& message)
-{
-    return QString::fromUtf8(message.data(), static_cast<qsizetype>(message.size()));
-}
-
 QString fieldText(QLineEdit const* field)
 {
     return field ? field->text() : QString();
@@ -303,7 +298,7 @@ bool PerchFtpShellController::executeQueuedTransfer(JobType type, std::string co
     }
     // Overwrites the generic words that a Failed event left on the job.
     transferQueue_.queue().complete(id, false, result.message);
-    setStatusText(QStringLiteral("Transfer failed: %1").arg(textOf(result.message)), true);
+    setStatusText(QStringLiteral("Transfer failed: %1").arg(detail::messageText(result.message)), true);
     logMessage("Transfer failed: " + result.message);
     return false;
 }

@@ -49,4 +49,9 @@ QString pathText(std::string const& bytes)
     return decodeFileName(bytes);
 }
 
+QString messageText(std::string const& message)
+{
+    return QString::fromUtf8(message.data(), static_cast<qsizetype>(message.size()));
+}
+
 } // namespace perchftp::app::detail

@@ -24,4 +24,7 @@ QString lastPathComponent(QString const& path);
 std::string pathBytes(QString const& path);
 QString pathText(std::string const& bytes);
 
+// A session's message as the banner shows it.
+QString messageText(std::string const& message);
+
 } // namespace perchftp::app::detail

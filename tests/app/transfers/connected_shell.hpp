@@ -24,6 +24,11 @@ inline void PrintTo(QString const& text, std::ostream* out)
 
 namespace perchftp::test {
 
+// The buttons of the conflict alert.
+inline constexpr int kReplace = app::kFirstAlertButton;
+inline constexpr int kSkip = app::kFirstAlertButton + 1;
+inline constexpr int kCancel = app::kFirstAlertButton + 2;
+
 // The real shell connected over FTP to a real loopback server, with a local folder of its own
 // shown in the local pane and the server's root in the remote pane.
 class ConnectedShellTest : public StartedShellTest {

@@ -317,7 +317,7 @@ TEST_F(DropOnRemotePane, AFileDroppedOnAFileRowInASubfolderIsAimedAtTheFolderIts
 
     // The pane aims a drop on a file row at its current folder; no row of that folder is the
     // folder itself, so the shell takes the target for a file and asks about replacing it.
-    dialogs().expectCheckBoxAlert(kFirstAlertButton + 2, false);
+    dialogs().expectCheckBoxAlert(kCancel, false);
     EXPECT_TRUE(drop({localText("photo.jpg")}, "old.jpg"));
     ASSERT_EQ(dialogs().questions().size(), 1u);
     EXPECT_EQ(dialogs().questions().front().text, "File \"albums\" already exists at the destination.");
@@ -325,7 +325,7 @@ TEST_F(DropOnRemotePane, AFileDroppedOnAFileRowInASubfolderIsAimedAtTheFolderIts
     EXPECT_EQ(jobs().front().remotePath, "/albums");
     EXPECT_EQ(jobs().front().state, JobState::Canceled);
 
-    dialogs().expectCheckBoxAlert(kFirstAlertButton, false);
+    dialogs().expectCheckBoxAlert(kReplace, false);
     drop({localText("photo.jpg")}, "old.jpg");
     EXPECT_EQ(jobs().back().state, JobState::Failed) << "the upload onto a folder's path fails on the server";
     EXPECT_EQ(popupMessage(), "Transfer failed.");

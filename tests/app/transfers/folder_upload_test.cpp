@@ -14,13 +14,8 @@ namespace perchftp::test {
 namespace {
 
 namespace fs = std::filesystem;
-using app::kFirstAlertButton;
 using transfer::JobState;
 using transfer::JobType;
-
-constexpr int kReplace = kFirstAlertButton;
-constexpr int kSkip = kFirstAlertButton + 1;
-constexpr int kCancel = kFirstAlertButton + 2;
 
 // File access checked as an ordinary user for as long as it lives, even for root: the file
 // system user of this thread becomes "nobody", which also drops root's right to read anything.

@@ -11,13 +11,8 @@
 namespace perchftp::test {
 namespace {
 
-using app::kFirstAlertButton;
 using transfer::JobState;
 using transfer::JobType;
-
-constexpr int kReplace = kFirstAlertButton;
-constexpr int kSkip = kFirstAlertButton + 1;
-constexpr int kCancel = kFirstAlertButton + 2;
 
 class Transfers : public ConnectedShellTest {
 protected:
