@@ -38,7 +38,10 @@ class ShellDialogs;
 class PerchFilePaneController : public QObject {
     Q_OBJECT
 public:
+    // A row's content is 24 high and rows stand 4 apart; the striped background covers both, so
+    // rows follow each other every 28 pixels.
     static constexpr int kRowHeight = 24;
+    static constexpr int kRowSpacing = 4;
 
     // The title is accepted and not shown anywhere: the pane's heading is its path field.
     PerchFilePaneController(QString const& title, bool isRemote, QObject* parent = nullptr);

@@ -47,7 +47,7 @@ TEST_F(RemotePane, StartsAtTheRootBehindANotConnectedRow)
     EXPECT_EQ(pane->entries().first().path, "/");
 }
 
-TEST_F(RemotePane, HasFourColumnsOfTheirOwnWidthsAndRowsOf24)
+TEST_F(RemotePane, HasFourColumnsOfTheirOwnWidthsAndRowsOf24WithASpacingOf4)
 {
     QStringList titles;
     for (int column = 0; column < pane->model()->columnCount(); ++column) {
@@ -59,7 +59,7 @@ TEST_F(RemotePane, HasFourColumnsOfTheirOwnWidthsAndRowsOf24)
     EXPECT_EQ(header->sectionSize(1), 120);
     EXPECT_EQ(header->sectionSize(2), 90);
     EXPECT_GE(header->sectionSize(3), 140);
-    EXPECT_EQ(pane->tableView()->rowHeight(0), 24);
+    EXPECT_EQ(pane->tableView()->rowHeight(0), 24 + 4);
     EXPECT_EQ(header->sortIndicatorSection(), -1) << "no sort is active at first";
 }
 
