@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QPushButton>
+#include <QSet>
 #include <QString>
 
 class QMenu;
@@ -146,6 +147,7 @@ private:
     void columnHeaderClicked(int column);
     void selectionDidChange();
     void reloadRows(PaneEntries entries);
+    void reselectPaths(QSet<QString> const& paths, QString const& currentPath);
     bool isActingRowValid(int row) const;
     PaneEntry const* entryAt(int row) const;
     void requestTransfer(PaneEntry const& entry);

@@ -191,6 +191,22 @@ TEST_F(RemotePane, ARefreshOfTheSameFolderKeepsTheScrollPositionAndAnotherFolder
     EXPECT_EQ(scroll->value(), 0);
 }
 
+TEST_F(RemotePane, ARefreshKeepsEverySelectedItemThatIsStillThere)
+{
+    pane->showRemoteEntries(serverListing(), "/srv");
+    selectRows({0, 1, 3, 4});
+    PaneEntries refreshed = serverListing();
+    refreshed.prepend(remoteFile("new.txt", 1));
+    refreshed.removeAt(4); // alpha.txt went away
+    pane->showRemoteEntries(refreshed, "/srv");
+
+    QStringList selected;
+    for (PaneEntry const& item : pane->selectedItems()) {
+        selected.append(item.name);
+    }
+    EXPECT_EQ(selected, QStringList({"mid.bin", "Docs", "empty"}));
+}
+
 TEST_F(RemotePane, DoubleClickOnAFolderAsksTheShellToOpenIt)
 {
     pane->showRemoteEntries(serverListing(), "/srv");
