@@ -138,25 +138,25 @@ void benchTransfers(Endpoint const& endpoint, std::filesystem::path const& sourc
     std::string const insecure = std::string(endpoint.protocol) == "sftp" ? " --insecure" : "";
     std::filesystem::path const target = folder / "downloaded.bin";
     std::vector<double> up, curlUp, down, curlDown, extra;
-    auto const sessionUpload = [&] {
+    std::function<void()> const sessionUpload = [&] {
         up.push_back(timeSeconds([&] {
             require(session->upload({source.string(), endpoint.remoteFolder + "session.bin", false}, {}).ok, "upload");
         }));
     };
-    auto const referenceUpload = [&] {
+    std::function<void()> const referenceUpload = [&] {
         curlUp.push_back(timeSeconds([&] {
             require(test::runCommand("curl -s" + insecure + " -T '" + source.string() + "' '" + url + "curl.bin'"),
                     "curl -T");
         }));
     };
-    auto const sessionDownload = [&] {
+    std::function<void()> const sessionDownload = [&] {
         down.push_back(timeSeconds([&] {
             require(session->download({target.string(), endpoint.remoteFolder + "session.bin", false}, {}).ok,
                     "download");
         }));
         std::filesystem::remove(target);
     };
-    auto const referenceDownload = [&] {
+    std::function<void()> const referenceDownload = [&] {
         curlDown.push_back(timeSeconds([&] {
             require(test::runCommand("curl -s" + insecure + " -o '" + target.string() + "' '" + url + "curl.bin'"),
                     "curl -o");
