@@ -195,6 +195,7 @@ int main(int argc, char** argv)
     {
         test::FtpTestServer ftp;
         benchListing(ftp);
+        std::printf("peak resident memory after the listings: %ld KiB\n", peakResidentKilobytes());
         makeFile(source, megabytes);
         benchTransfers({"ftp", ftp.port(), ftp.user(), ftp.password(), "/"}, source, folder, megabytes);
     }
@@ -212,7 +213,7 @@ int main(int argc, char** argv)
     } else {
         std::printf("sftp skipped: %s\n", test::SshdTestServer::whyUnavailable().c_str());
     }
-    std::printf("peak resident memory of this process: %ld KiB\n", peakResidentKilobytes());
+    std::printf("peak resident memory after the transfers: %ld KiB\n", peakResidentKilobytes());
     std::filesystem::remove_all(folder);
     return 0;
 }
