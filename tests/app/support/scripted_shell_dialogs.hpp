@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <deque>
+#include <memory>
 #include <optional>
 #include <variant>
 
@@ -45,6 +46,9 @@ public:
     void expectCheckBoxAlert(int button, bool checked) { answers_.push_back(CheckBoxAlertAnswer{button, checked}); }
 
     std::deque<Question> const& questions() const { return questions_; }
+    // An object that hands every question to this script, for code that takes the dialogs over
+    // and may destroy them before the test looks at what was asked.
+    std::unique_ptr<app::ShellDialogs> borrowed();
     bool scriptIsUsedUp() const { return answers_.empty(); }
 
     QString chooseExistingFolder(QWidget*, QString const& title, QString const& startFolder) override;
