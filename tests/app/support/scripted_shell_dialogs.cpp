@@ -35,6 +35,12 @@ public:
     {
         return script_.acceptLicence(licenceText, icon);
     }
+    // Transfers.
+    int runAlertWithCheckBox(QWidget* parent, app::AlertRequest const& request, QString const& checkBoxTitle,
+        bool& checked) override
+    {
+        return script_.runAlertWithCheckBox(parent, request, checkBoxTitle, checked);
+    }
 
 private:
     app::ShellDialogs& script_;
