@@ -204,5 +204,38 @@ TEST_P(FtpSession, LeavesNamesWithBlanksUnescapedSoLibcurlRefusesTheirUrls)
     EXPECT_THAT(server().receivedCommands(), IsEmpty());
 }
 
+TEST_P(FtpSession, ReportsProgressOfADownloadOfUnknownSizeOnlyUntilBytesArrive)
+{
+    putRemoteFile("/unsized.bin", patternedBytes(kTenMegabytes));
+    server().setReply("SIZE", "502 Command not implemented.");
+    connectCleanly();
+    EventRecorder recorder;
+    SessionResult const result = session().download({local_.file("unsized.bin"), "/unsized.bin", false}, recorder.callback());
+    ASSERT_TRUE(result.ok) << result.message;
+    EXPECT_EQ(std::filesystem::file_size(local_.file("unsized.bin")), kTenMegabytes);
+    std::vector<RecordedEvent> const reports = recorder.progress();
+    ASSERT_FALSE(reports.empty());
+    EXPECT_GT(reports.back().transferred, 0u) << "the first report with bytes is the last one";
+    for (std::size_t i = 0; i + 1 < reports.size(); ++i) {
+        EXPECT_EQ(reports[i].transferred, 0u);
+    }
+    for (RecordedEvent const& report : reports) {
+        EXPECT_EQ(report.total, 0u);
+    }
+}
+
+TEST_P(FtpSession, CompletesADownloadWhoseBytesTheDiskCouldNotTake)
+{
+    if (!std::filesystem::exists("/dev/full")) {
+        GTEST_SKIP() << "needs /dev/full, a file that refuses every write";
+    }
+    putRemoteFile("/x.bin", patternedBytes(1024 * 1024));
+    connectCleanly();
+    EventRecorder recorder;
+    SessionResult const result = session().download({"/dev/full", "/x.bin", false}, recorder.callback());
+    EXPECT_TRUE(result.ok) << result.message;
+    EXPECT_EQ(recorder.events().back().type, TransferEventType::Completed);
+}
+
 } // namespace
 } // namespace perchftp::test

@@ -140,9 +140,7 @@ void PerchFilePaneController::goUp()
 // unselected at the top. The delegate hears about it when that changes selectedPath().
 void PerchFilePaneController::reloadRows(PaneEntries entries)
 {
-    QItemSelectionModel* selection = m_tableView->selectionModel();
     QString const pathBefore = selectedPath();
-    QString const anchorPath = pathBefore;
     bool const samePlace = m_currentPath == m_listedPath;
     int const scrolledTo = m_tableView->verticalScrollBar()->value();
     QSet<QString> keptPaths;
@@ -156,25 +154,9 @@ void PerchFilePaneController::reloadRows(PaneEntries entries)
     m_reportingSelection = false;
     m_model->setEntries(std::move(entries));
     if (!keptPaths.isEmpty()) {
-        QItemSelection kept;
-        int anchorRow = -1;
-        PaneEntries const& rows = m_model->entries();
-        for (int row = 0; row < int(rows.size()); ++row) {
-            if (rows[row].placeholder || !keptPaths.contains(rows[row].path)) {
-                continue;
-            }
-            kept.select(m_model->index(row, 0), m_model->index(row, m_model->columnCount() - 1));
-            if (rows[row].path == anchorPath) {
-                anchorRow = row;
-            }
-        }
-        selection->select(kept, QItemSelectionModel::ClearAndSelect);
-        if (anchorRow >= 0) {
-            selection->setCurrentIndex(m_model->index(anchorRow, 0), QItemSelectionModel::NoUpdate);
-        }
+        reselectPaths(keptPaths, pathBefore);
     }
     m_reportingSelection = true;
-    // The same folder again stays where the user had scrolled to.
     if (samePlace && scrolledTo > 0) {
         m_tableView->doItemsLayout();
         m_tableView->verticalScrollBar()->setValue(scrolledTo);
@@ -183,6 +165,34 @@ void PerchFilePaneController::reloadRows(PaneEntries entries)
     }
     if (selectedPath() != pathBefore) {
         selectionDidChange();
+    }
+}
+
+void PerchFilePaneController::reselectPaths(QSet<QString> const& paths, QString const& currentPath)
+{
+    // Runs of neighbouring rows become one range each, so that a large selection stays cheap.
+    QItemSelection kept;
+    int const lastColumn = m_model->columnCount() - 1;
+    int runStart = -1;
+    int currentRow = -1;
+    PaneEntries const& rows = m_model->entries();
+    for (int row = 0; row <= int(rows.size()); ++row) {
+        bool const wanted = row < int(rows.size()) && !rows[row].placeholder && paths.contains(rows[row].path);
+        if (wanted && runStart < 0) {
+            runStart = row;
+        }
+        if (!wanted && runStart >= 0) {
+            kept.select(m_model->index(runStart, 0), m_model->index(row - 1, lastColumn));
+            runStart = -1;
+        }
+        if (wanted && rows[row].path == currentPath) {
+            currentRow = row;
+        }
+    }
+    QItemSelectionModel* selection = m_tableView->selectionModel();
+    selection->select(kept, QItemSelectionModel::ClearAndSelect);
+    if (currentRow >= 0) {
+        selection->setCurrentIndex(m_model->index(currentRow, 0), QItemSelectionModel::NoUpdate);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QPushButton>
+#include <QSet>
 #include <QString>
 
 class QMenu;
@@ -38,7 +39,10 @@ class ShellDialogs;
 class PerchFilePaneController : public QObject {
     Q_OBJECT
 public:
+    // A row's content is 24 high and rows stand 4 apart; the striped background covers both, so
+    // rows follow each other every 28 pixels.
     static constexpr int kRowHeight = 24;
+    static constexpr int kRowSpacing = 4;
 
     // The title is accepted and not shown anywhere: the pane's heading is its path field.
     PerchFilePaneController(QString const& title, bool isRemote, QObject* parent = nullptr);
@@ -143,6 +147,7 @@ private:
     void columnHeaderClicked(int column);
     void selectionDidChange();
     void reloadRows(PaneEntries entries);
+    void reselectPaths(QSet<QString> const& paths, QString const& currentPath);
     bool isActingRowValid(int row) const;
     PaneEntry const* entryAt(int row) const;
     void requestTransfer(PaneEntry const& entry);

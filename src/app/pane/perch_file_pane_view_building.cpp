@@ -121,8 +121,8 @@ void PerchFilePaneController::buildTable()
     QHeaderView* rows = m_tableView->verticalHeader();
     rows->hide();
     rows->setSectionResizeMode(QHeaderView::Fixed);
-    rows->setMinimumSectionSize(kRowHeight);
-    rows->setDefaultSectionSize(kRowHeight);
+    rows->setMinimumSectionSize(kRowHeight + kRowSpacing);
+    rows->setDefaultSectionSize(kRowHeight + kRowSpacing);
 
     QHeaderView* columns = m_tableView->horizontalHeader();
     columns->setSectionsClickable(true);

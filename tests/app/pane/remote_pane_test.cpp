@@ -47,7 +47,7 @@ TEST_F(RemotePane, StartsAtTheRootBehindANotConnectedRow)
     EXPECT_EQ(pane->entries().first().path, "/");
 }
 
-TEST_F(RemotePane, HasFourColumnsOfTheirOwnWidthsAndRowsOf24)
+TEST_F(RemotePane, HasFourColumnsOfTheirOwnWidthsAndRowsOf24WithASpacingOf4)
 {
     QStringList titles;
     for (int column = 0; column < pane->model()->columnCount(); ++column) {
@@ -59,7 +59,7 @@ TEST_F(RemotePane, HasFourColumnsOfTheirOwnWidthsAndRowsOf24)
     EXPECT_EQ(header->sectionSize(1), 120);
     EXPECT_EQ(header->sectionSize(2), 90);
     EXPECT_GE(header->sectionSize(3), 140);
-    EXPECT_EQ(pane->tableView()->rowHeight(0), 24);
+    EXPECT_EQ(pane->tableView()->rowHeight(0), 24 + 4);
     EXPECT_EQ(header->sortIndicatorSection(), -1) << "no sort is active at first";
 }
 
@@ -189,6 +189,22 @@ TEST_F(RemotePane, ARefreshOfTheSameFolderKeepsTheScrollPositionAndAnotherFolder
     EXPECT_EQ(scroll->value(), 2400);
     pane->showRemoteEntries(many, "/srv/other");
     EXPECT_EQ(scroll->value(), 0);
+}
+
+TEST_F(RemotePane, ARefreshKeepsEverySelectedItemThatIsStillThere)
+{
+    pane->showRemoteEntries(serverListing(), "/srv");
+    selectRows({0, 1, 3, 4});
+    PaneEntries refreshed = serverListing();
+    refreshed.prepend(remoteFile("new.txt", 1));
+    refreshed.removeAt(4); // alpha.txt went away
+    pane->showRemoteEntries(refreshed, "/srv");
+
+    QStringList selected;
+    for (PaneEntry const& item : pane->selectedItems()) {
+        selected.append(item.name);
+    }
+    EXPECT_EQ(selected, QStringList({"mid.bin", "Docs", "empty"}));
 }
 
 TEST_F(RemotePane, DoubleClickOnAFolderAsksTheShellToOpenIt)

@@ -299,13 +299,12 @@ TEST_F(StartUp, ClosingTheMainWindowEndsTheEventLoop)
 TEST(LicenceGate, DecliningBuildsNothingAndTheNextStartAsksAgain)
 {
     IsolatedUserFolders folders;
-    auto dialogs = std::make_unique<ScriptedShellDialogs>();
-    auto* script = dialogs.get();
-    script->expectLicence(false);
-    auto shell = app::startDesktopShell(application(), std::move(dialogs));
+    ScriptedShellDialogs script;
+    script.expectLicence(false);
+    auto shell = app::startDesktopShell(application(), script.borrowed());
     EXPECT_FALSE(shell.has_value());
-    ASSERT_EQ(script->questions().size(), 1u);
-    EXPECT_TRUE(script->questions().front().text.contains("PerchFtp Licence Agreement"));
+    ASSERT_EQ(script.questions().size(), 1u);
+    EXPECT_TRUE(script.questions().front().text.contains("PerchFtp Licence Agreement"));
     EXPECT_FALSE(QSettings(QStringLiteral("PerchFtp"), QStringLiteral("PerchFtp")).contains(app::kLicenceAcceptedKey));
     EXPECT_FALSE(QFile::exists(folders.baseFolder())) << "no controller was made";
 }

@@ -4,6 +4,49 @@
 
 namespace perchftp::test {
 
+namespace {
+
+class BorrowedDialogs final : public app::ShellDialogs {
+public:
+    explicit BorrowedDialogs(app::ShellDialogs& script)
+        : script_(script)
+    {
+    }
+
+    QString chooseExistingFolder(QWidget* parent, QString const& title, QString const& startFolder) override
+    {
+        return script_.chooseExistingFolder(parent, title, startFolder);
+    }
+    int runAlert(QWidget* parent, app::AlertRequest const& request) override { return script_.runAlert(parent, request); }
+    std::optional<QString> askForText(QWidget* parent, QString const& title, QString const& message,
+        QString const& value, QString const& placeholder, QIcon const& icon) override
+    {
+        return script_.askForText(parent, title, message, value, placeholder, icon);
+    }
+    app::SavedConnectionAnswer chooseSavedConnection(QWidget* parent, QStringList const& rows, QIcon const& icon) override
+    {
+        return script_.chooseSavedConnection(parent, rows, icon);
+    }
+    std::optional<QString> editBugReport(QWidget* parent, QString const& templateText, QIcon const& icon) override
+    {
+        return script_.editBugReport(parent, templateText, icon);
+    }
+    bool acceptLicence(QString const& licenceText, QIcon const& icon) override
+    {
+        return script_.acceptLicence(licenceText, icon);
+    }
+
+private:
+    app::ShellDialogs& script_;
+};
+
+} // namespace
+
+std::unique_ptr<app::ShellDialogs> ScriptedShellDialogs::borrowed()
+{
+    return std::make_unique<BorrowedDialogs>(*this);
+}
+
 template <typename T>
 std::optional<T> ScriptedShellDialogs::next(Question question)
 {

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <deque>
+#include <memory>
 #include <optional>
 #include <variant>
 
@@ -37,6 +38,9 @@ public:
     void expectLicence(bool accepted) { answers_.push_back(accepted); }
 
     std::deque<Question> const& questions() const { return questions_; }
+    // An object that hands every question to this script, for code that takes the dialogs over
+    // and may destroy them before the test looks at what was asked.
+    std::unique_ptr<app::ShellDialogs> borrowed();
     bool scriptIsUsedUp() const { return answers_.empty(); }
 
     QString chooseExistingFolder(QWidget*, QString const& title, QString const& startFolder) override;

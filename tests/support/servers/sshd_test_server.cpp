@@ -21,6 +21,18 @@ void run(std::string const& commandLine)
     }
 }
 
+// The user database is locked while another test adds or deletes its own user: try again.
+bool runWhileLocked(std::string const& commandLine)
+{
+    for (int attempt = 0; attempt < 50; ++attempt) {
+        if (runCommand(commandLine + " >/dev/null 2>&1")) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    return false;
+}
+
 } // namespace
 
 std::string SshdTestServer::whyUnavailable()
@@ -73,7 +85,7 @@ void SshdTestServer::release()
 {
     process_.reset();
     if (userCreated_) {
-        runCommand("userdel '" + user_ + "' >/dev/null 2>&1");
+        runWhileLocked("userdel '" + user_ + "'");
         userCreated_ = false;
     }
     std::error_code ignored;
@@ -82,9 +94,14 @@ void SshdTestServer::release()
 
 void SshdTestServer::createUser()
 {
-    run("useradd --no-create-home --home-dir '" + home_.string() + "' --shell /bin/sh --user-group '" + user_ + "'");
+    if (!runWhileLocked("useradd --no-create-home --home-dir '" + home_.string() + "' --shell /bin/sh --user-group '"
+                        + user_ + "'")) {
+        throw std::runtime_error("useradd failed for " + user_);
+    }
     userCreated_ = true;
-    run("echo '" + user_ + ":" + password_ + "' | chpasswd");
+    if (!runWhileLocked("echo '" + user_ + ":" + password_ + "' | chpasswd")) {
+        throw std::runtime_error("chpasswd failed for " + user_);
+    }
     run("chown '" + user_ + ":" + user_ + "' '" + home_.string() + "'");
     std::string const folder = folder_.string();
     run("ssh-keygen -q -t ed25519 -N '' -f '" + folder + "/host_key'");
