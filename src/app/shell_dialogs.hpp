@@ -1,10 +1,35 @@
 #pragma once
 
+#include <QIcon>
 #include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
 
 class QWidget;
 
 namespace perchftp::app {
+
+// The answer of the n-th button of an alert, counted from 0: the first button answers 1000.
+inline constexpr int kFirstAlertButton = 1000;
+
+struct AlertRequest {
+    enum class Style { Informational, Warning, Critical };
+
+    QString messageText;
+    QString informativeText;
+    QStringList buttons; // at least one; an empty list shows a single "OK"
+    Style style = Style::Informational;
+    QIcon icon;
+};
+
+// What the saved-connection picker answers: the button (1000 "Open", 1001 "Edit", 1002 "Delete",
+// 1003 "Cancel") and the row it acts on, the one last pressed with the mouse, else the selected one.
+struct SavedConnectionAnswer {
+    int button = kFirstAlertButton + 3;
+    int row = -1;
+};
 
 // Every modal question the shell asks goes through one object of this kind, owned by the
 // controller. The default shows real dialogs; tests install one that answers from a script.
@@ -14,6 +39,27 @@ public:
 
     // A folder picked by the user, or an empty text when the user cancelled.
     virtual QString chooseExistingFolder(QWidget* parent, QString const& title, QString const& startFolder) = 0;
+
+    // An alert with the request's buttons in order; the n-th button (from 0) answers 1000 + n.
+    virtual int runAlert(QWidget* parent, AlertRequest const& request) = 0;
+
+    // A one-line text question with "OK" and "Cancel". The text as typed after "OK"; empty
+    // optional after "Cancel" or when the dialog was closed otherwise.
+    virtual std::optional<QString> askForText(QWidget* parent, QString const& title, QString const& message,
+        QString const& value, QString const& placeholder, QIcon const& icon) = 0;
+
+    // The list of saved connections, one display line per connection, with row 0 selected first.
+    virtual SavedConnectionAnswer chooseSavedConnection(QWidget* parent, QStringList const& rows, QIcon const& icon) = 0;
+
+    // The bug-report editor, filled with the template. The edited text after "Submit"; empty
+    // optional after "Cancel".
+    virtual std::optional<QString> editBugReport(QWidget* parent, QString const& templateText, QIcon const& icon) = 0;
+
+    // The licence shown before anything else; true when the user accepts it.
+    virtual bool acceptLicence(QString const& licenceText, QIcon const& icon) = 0;
 };
+
+// The real dialogs of the desktop.
+std::unique_ptr<ShellDialogs> createDesktopDialogs();
 
 } // namespace perchftp::app

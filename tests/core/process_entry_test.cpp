@@ -14,10 +14,12 @@ struct RunResult {
 };
 
 // Runs the program with stderr discarded and the display taken away, so that a normal-mode
-// run can never open a window.
+// run can never open a window, and with the user's folders pointed at a place that does not exist.
 RunResult runProgram(std::vector<std::string> const& arguments)
 {
-    std::string command = "env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=none '" PERCHFTP_BINARY "'";
+    std::string command = "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM HOME=/nonexistent/home"
+                          " XDG_DATA_HOME=/nonexistent/data XDG_CONFIG_HOME=/nonexistent/config"
+                          " PERCHFTP_INSTALL_TRACKING_URL=http://127.0.0.1:9/api/install-events.php '" PERCHFTP_BINARY "'";
     for (auto const& argument : arguments) {
         command += " '" + argument + "'";
     }

@@ -1,0 +1,126 @@
+#include "app/dialogs/accessory_alert.hpp"
+#include "app/dialogs/saved_connection_picker.hpp"
+#include "app/shell_dialogs.hpp"
+
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace perchftp::app {
+
+namespace {
+
+QMessageBox::Icon messageBoxIcon(AlertRequest::Style style)
+{
+    switch (style) {
+    case AlertRequest::Style::Warning:
+        return QMessageBox::Warning;
+    case AlertRequest::Style::Critical:
+        return QMessageBox::Critical;
+    case AlertRequest::Style::Informational:
+        break;
+    }
+    return QMessageBox::Information;
+}
+
+class DesktopDialogs final : public ShellDialogs {
+public:
+    QString chooseExistingFolder(QWidget* parent, QString const& title, QString const& startFolder) override
+    {
+        return QFileDialog::getExistingDirectory(parent, title, startFolder, QFileDialog::ShowDirsOnly);
+    }
+
+    int runAlert(QWidget* parent, AlertRequest const& request) override
+    {
+        QMessageBox box(parent);
+        box.setIcon(messageBoxIcon(request.style));
+        if (!request.icon.isNull()) {
+            box.setIconPixmap(request.icon.pixmap(64, 64));
+        }
+        box.setWindowTitle(request.messageText);
+        box.setText(request.messageText);
+        box.setInformativeText(request.informativeText);
+        QStringList const titles = request.buttons.isEmpty() ? QStringList{QStringLiteral("OK")} : request.buttons;
+        std::vector<QAbstractButton*> buttons;
+        for (QString const& title : titles) {
+            buttons.push_back(box.addButton(title, QMessageBox::AcceptRole));
+        }
+        box.setDefaultButton(static_cast<QPushButton*>(buttons.front()));
+        box.exec();
+        for (std::size_t index = 0; index < buttons.size(); ++index) {
+            if (box.clickedButton() == buttons[index]) {
+                return kFirstAlertButton + static_cast<int>(index);
+            }
+        }
+        return kFirstAlertButton + static_cast<int>(buttons.size()) - 1;
+    }
+
+    std::optional<QString> askForText(QWidget* parent, QString const& title, QString const& message,
+        QString const& value, QString const& placeholder, QIcon const& icon) override
+    {
+        AccessoryAlert alert(parent, title, message, icon);
+        auto* field = new QLineEdit(value);
+        field->setPlaceholderText(placeholder);
+        field->setFixedSize(280, 24);
+        alert.setAccessory(field);
+        alert.addButton(QStringLiteral("OK"));
+        alert.addButton(QStringLiteral("Cancel"));
+        if (alert.exec() != kFirstAlertButton) {
+            return std::nullopt;
+        }
+        return field->text();
+    }
+
+    SavedConnectionAnswer chooseSavedConnection(QWidget* parent, QStringList const& rows, QIcon const& icon) override
+    {
+        return runSavedConnectionPicker(parent, rows, icon);
+    }
+
+    std::optional<QString> editBugReport(QWidget* parent, QString const& templateText, QIcon const& icon) override
+    {
+        AccessoryAlert alert(parent, QStringLiteral("Report Bug"),
+            QStringLiteral("Describe what went wrong. The report will be saved locally on this computer."), icon);
+        auto* accessory = new QWidget;
+        accessory->setFixedSize(560, 214);
+        auto* layout = new QVBoxLayout(accessory);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(new QLabel(QStringLiteral("Bug details")));
+        auto* editor = new QPlainTextEdit(templateText);
+        editor->setFixedHeight(182);
+        editor->document()->setDocumentMargin(10);
+        layout->addWidget(editor);
+        alert.setAccessory(accessory);
+        alert.addButton(QStringLiteral("Submit"));
+        alert.addButton(QStringLiteral("Cancel"));
+        if (alert.exec() != kFirstAlertButton) {
+            return std::nullopt;
+        }
+        return editor->toPlainText();
+    }
+
+    bool acceptLicence(QString const& licenceText, QIcon const& icon) override
+    {
+        AccessoryAlert alert(nullptr, QStringLiteral("PerchFtp Licence"),
+            QStringLiteral("Please read the licence. PerchFtp starts once you accept it."), icon);
+        auto* text = new QPlainTextEdit(licenceText);
+        text->setReadOnly(true);
+        text->setMinimumSize(620, 320);
+        alert.setAccessory(text);
+        alert.addButton(QStringLiteral("Accept"));
+        alert.addButton(QStringLiteral("Decline"));
+        return alert.exec() == kFirstAlertButton;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ShellDialogs> createDesktopDialogs()
+{
+    return std::make_unique<DesktopDialogs>();
+}
+
+} // namespace perchftp::app

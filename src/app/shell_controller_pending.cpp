@@ -1,0 +1,67 @@
+// Actions whose workflows come later. Each is wired to its controls already and, until its
+// workflow lands, says so in the banner.
+#include "app/shell_controller.hpp"
+
+namespace perchftp::app {
+
+void PerchFtpShellController::notAvailableYet(QString const& what)
+{
+    setStatusText(QStringLiteral("%1 is not available yet.").arg(what), false);
+}
+
+void PerchFtpShellController::connectSession()
+{
+    notAvailableYet(QStringLiteral("Connecting"));
+}
+
+void PerchFtpShellController::disconnectSession()
+{
+    notAvailableYet(QStringLiteral("Disconnecting"));
+}
+
+void PerchFtpShellController::saveConnection()
+{
+    notAvailableYet(QStringLiteral("Saving connections"));
+}
+
+void PerchFtpShellController::openSavedConnection()
+{
+    notAvailableYet(QStringLiteral("Opening saved connections"));
+}
+
+void PerchFtpShellController::enqueueUpload()
+{
+    notAvailableYet(QStringLiteral("Uploading"));
+}
+
+void PerchFtpShellController::enqueueDownload()
+{
+    notAvailableYet(QStringLiteral("Downloading"));
+}
+
+void PerchFtpShellController::centerUploadAction()
+{
+    notAvailableYet(QStringLiteral("Uploading"));
+}
+
+void PerchFtpShellController::centerDownloadAction()
+{
+    notAvailableYet(QStringLiteral("Downloading"));
+}
+
+void PerchFtpShellController::openLocalFolder()
+{
+    notAvailableYet(QStringLiteral("The folder picker"));
+}
+
+void PerchFtpShellController::reportBug()
+{
+    notAvailableYet(QStringLiteral("Reporting bugs"));
+}
+
+void PerchFtpShellController::showAboutPanel()
+{
+    notAvailableYet(QStringLiteral("The about panel"));
+}
+
+} // namespace perchftp::app

@@ -1,0 +1,56 @@
+#include "scripted_shell_dialogs.hpp"
+
+#include <gtest/gtest.h>
+
+namespace perchftp::test {
+
+template <typename T>
+std::optional<T> ScriptedShellDialogs::next(Question question)
+{
+    questions_.push_back(question);
+    if (answers_.empty() || !std::holds_alternative<T>(answers_.front())) {
+        ADD_FAILURE() << "unexpected " << question.kind.toStdString() << " question: " << question.title.toStdString();
+        return std::nullopt;
+    }
+    T answer = std::get<T>(answers_.front());
+    answers_.pop_front();
+    return answer;
+}
+
+QString ScriptedShellDialogs::chooseExistingFolder(QWidget*, QString const& title, QString const& startFolder)
+{
+    return next<QString>({QStringLiteral("folder"), title, startFolder, {}}).value_or(QString());
+}
+
+int ScriptedShellDialogs::runAlert(QWidget*, app::AlertRequest const& request)
+{
+    Question question{QStringLiteral("alert"), request.messageText, request.informativeText, request.buttons};
+    int const last = app::kFirstAlertButton + static_cast<int>(std::max<qsizetype>(request.buttons.size(), 1)) - 1;
+    return next<int>(std::move(question)).value_or(last);
+}
+
+std::optional<QString> ScriptedShellDialogs::askForText(QWidget*, QString const& title, QString const& message,
+    QString const& value, QString const& placeholder, QIcon const&)
+{
+    auto const answer = next<TextAnswer>({QStringLiteral("text"), title, message, {value, placeholder}});
+    return answer && answer->given ? std::optional<QString>(answer->text) : std::nullopt;
+}
+
+app::SavedConnectionAnswer ScriptedShellDialogs::chooseSavedConnection(QWidget*, QStringList const& rows, QIcon const&)
+{
+    return next<app::SavedConnectionAnswer>({QStringLiteral("savedConnection"), {}, {}, rows})
+        .value_or(app::SavedConnectionAnswer{});
+}
+
+std::optional<QString> ScriptedShellDialogs::editBugReport(QWidget*, QString const& templateText, QIcon const&)
+{
+    auto const answer = next<TextAnswer>({QStringLiteral("bugReport"), {}, templateText, {}});
+    return answer && answer->given ? std::optional<QString>(answer->text) : std::nullopt;
+}
+
+bool ScriptedShellDialogs::acceptLicence(QString const& licenceText, QIcon const&)
+{
+    return next<bool>({QStringLiteral("licence"), {}, licenceText, {}}).value_or(false);
+}
+
+} // namespace perchftp::test

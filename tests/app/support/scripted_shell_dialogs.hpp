@@ -1,0 +1,58 @@
+#pragma once
+
+#include "app/shell_dialogs.hpp"
+
+#include <QString>
+#include <QStringList>
+
+#include <deque>
+#include <optional>
+#include <variant>
+
+namespace perchftp::test {
+
+// Answers the shell's modal questions from a script, in order, and records every question.
+// A question that the script does not expect fails the test and gets the cancelling answer.
+class ScriptedShellDialogs final : public app::ShellDialogs {
+public:
+    struct Question {
+        QString kind; // "folder", "alert", "text", "savedConnection", "bugReport", "licence"
+        QString title;
+        QString text;
+        QStringList options;
+    };
+
+    // The text typed into a prompt, or no text when the prompt was cancelled.
+    struct TextAnswer {
+        bool given = false;
+        QString text;
+    };
+
+    using Answer = std::variant<QString, int, TextAnswer, app::SavedConnectionAnswer, bool>;
+
+    void expectFolder(QString folder) { answers_.push_back(std::move(folder)); }
+    void expectAlertButton(int result) { answers_.push_back(result); }
+    void expectText(std::optional<QString> text) { answers_.push_back(TextAnswer{text.has_value(), text.value_or(QString())}); }
+    void expectSavedConnection(app::SavedConnectionAnswer answer) { answers_.push_back(answer); }
+    void expectLicence(bool accepted) { answers_.push_back(accepted); }
+
+    std::deque<Question> const& questions() const { return questions_; }
+    bool scriptIsUsedUp() const { return answers_.empty(); }
+
+    QString chooseExistingFolder(QWidget*, QString const& title, QString const& startFolder) override;
+    int runAlert(QWidget*, app::AlertRequest const& request) override;
+    std::optional<QString> askForText(QWidget*, QString const& title, QString const& message, QString const& value,
+        QString const& placeholder, QIcon const&) override;
+    app::SavedConnectionAnswer chooseSavedConnection(QWidget*, QStringList const& rows, QIcon const&) override;
+    std::optional<QString> editBugReport(QWidget*, QString const& templateText, QIcon const&) override;
+    bool acceptLicence(QString const& licenceText, QIcon const&) override;
+
+private:
+    template <typename T>
+    std::optional<T> next(Question question);
+
+    std::deque<Answer> answers_;
+    std::deque<Question> questions_;
+};
+
+} // namespace perchftp::test

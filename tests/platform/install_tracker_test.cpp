@@ -1,0 +1,344 @@
+#include "platform/install_tracker.hpp"
+
+#include "logging/logger.hpp"
+#include "support/http_recorder.hpp"
+#include "support/temp_dir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <map>
+#include <regex>
+#include <sstream>
+
+namespace perchftp::platform {
+namespace {
+
+using test::HttpRecorder;
+
+constexpr char const* kEventPath = "/api/install-events.php";
+
+std::map<std::string, std::string> readStateFile(std::string const& path)
+{
+    std::map<std::string, std::string> values;
+    std::istringstream in(test::readFile(path));
+    std::string line;
+    while (std::getline(in, line)) {
+        auto const separator = line.find('=');
+        values[line.substr(0, separator)] = line.substr(separator + 1);
+    }
+    return values;
+}
+
+std::string lastLogMessage()
+{
+    auto const history = logging::Logger::global().history();
+    return history.empty() ? std::string() : history.back().message;
+}
+
+long long secondsNow()
+{
+    return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
+class InstallTrackerTest : public testing::Test {
+protected:
+    InstallTrackerConfig config(std::string endpoint) const
+    {
+        InstallTrackerConfig config;
+        config.statePath = statePath;
+        config.endpoint = std::move(endpoint);
+        config.appVersion = "0.1.0";
+        config.platform = "linux";
+        config.installSource = "";
+        config.heartbeatInterval = std::chrono::hours(72);
+        return config;
+    }
+    InstallTrackerConfig serverConfig() const { return config(server.url(kEventPath)); }
+
+    test::NoProxyEnvironment noProxy;
+    test::TempDir dir;
+    std::string statePath = dir.file("install-tracker.state");
+    HttpRecorder server;
+};
+
+TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPost)
+{
+    InstallTracker tracker(serverConfig());
+    auto const before = secondsNow();
+    ASSERT_TRUE(tracker.sync()) << tracker.lastError();
+    EXPECT_EQ(tracker.lastError(), "");
+    EXPECT_EQ(lastLogMessage(), "Install tracking: install registered");
+
+    auto const id = tracker.installId();
+    EXPECT_TRUE(std::regex_match(id, std::regex("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}"))) << id;
+
+    auto const state = readStateFile(statePath);
+    EXPECT_EQ(state.at("install_id"), id);
+    EXPECT_EQ(state.at("registered"), "1");
+    auto const firstSeen = std::stoll(state.at("first_seen_at"));
+    auto const lastHeartbeat = std::stoll(state.at("last_heartbeat_at"));
+    EXPECT_GE(firstSeen, before);
+    EXPECT_GE(lastHeartbeat, firstSeen);
+    EXPECT_EQ(test::readFile(statePath), "install_id=" + id + "\nfirst_seen_at=" + std::to_string(firstSeen)
+            + "\nlast_heartbeat_at=" + std::to_string(lastHeartbeat) + "\nregistered=1\n");
+
+    auto const requests = server.requests();
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests[0].method, "POST");
+    EXPECT_EQ(requests[0].path, kEventPath);
+    EXPECT_NE(requests[0].headers.find("Content-Type: application/json"), std::string::npos) << requests[0].headers;
+    // The heartbeat clock starts at the registration's sent_at.
+    EXPECT_EQ(requests[0].body, R"({"event_type":"install_registered","install_id":")" + id
+            + R"(","app_version":"0.1.0","platform":"linux","install_source":"","first_seen_at":)"
+            + std::to_string(firstSeen) + R"(,"sent_at":)" + std::to_string(lastHeartbeat) + "}");
+}
+
+TEST_F(InstallTrackerTest, AHeartbeatGoesOutOnlyWhenDueAndOnlyASuccessfulOneIsRecorded)
+{
+    auto const registeredAt = [](long long lastHeartbeat) {
+        return "install_id=abc\nfirst_seen_at=5\nlast_heartbeat_at=" + std::to_string(lastHeartbeat)
+            + "\nregistered=1\n";
+    };
+    auto const recent = registeredAt(secondsNow() - 3600);
+    test::writeFile(statePath, recent);
+    logging::Logger::global().info("marker");
+    EXPECT_TRUE(InstallTracker(serverConfig()).sync());
+    EXPECT_TRUE(server.requests().empty());
+    EXPECT_EQ(lastLogMessage(), "marker"); // nothing due, nothing said
+    EXPECT_EQ(test::readFile(statePath), recent);
+
+    auto const overdue = registeredAt(secondsNow() - 72 * 3600 - 10);
+    test::writeFile(statePath, overdue);
+    server.setStatus(503);
+    EXPECT_FALSE(InstallTracker(serverConfig()).sync());
+    EXPECT_EQ(lastLogMessage(), "Install tracking heartbeat failed: tracking endpoint returned HTTP 503");
+    EXPECT_EQ(test::readFile(statePath), overdue);
+
+    server.setStatus(200);
+    InstallTracker tracker(serverConfig());
+    ASSERT_TRUE(tracker.sync()) << tracker.lastError();
+    EXPECT_EQ(lastLogMessage(), "Install tracking: heartbeat sent");
+    auto const requests = server.requests();
+    ASSERT_EQ(requests.size(), 2U);
+    EXPECT_NE(requests[1].body.find(R"({"event_type":"install_heartbeat","install_id":"abc",)"), std::string::npos);
+    EXPECT_NE(requests[1].body.find(R"("first_seen_at":5,)"), std::string::npos);
+    EXPECT_GT(std::stoll(readStateFile(statePath).at("last_heartbeat_at")), secondsNow() - 60);
+}
+
+TEST_F(InstallTrackerTest, AFailedRegistrationChangesNothingAndIsRetriedWithTheSameIdAtTheNextStart)
+{
+    server.setStatus(500);
+    std::string id;
+    {
+        InstallTracker tracker(serverConfig());
+        EXPECT_FALSE(tracker.sync());
+        EXPECT_EQ(tracker.lastError(), "tracking endpoint returned HTTP 500");
+        EXPECT_EQ(lastLogMessage(), "Install tracking register failed: tracking endpoint returned HTTP 500");
+        id = tracker.installId();
+    }
+    auto const state = readStateFile(statePath);
+    EXPECT_EQ(state.at("registered"), "0");
+    EXPECT_EQ(state.at("last_heartbeat_at"), "0");
+    EXPECT_GT(std::stoll(state.at("first_seen_at")), 0);
+    auto const stateAfterFailure = test::readFile(statePath);
+
+    {
+        InstallTracker again(serverConfig());
+        EXPECT_FALSE(again.sync());
+        EXPECT_EQ(again.installId(), id);
+    }
+    EXPECT_EQ(test::readFile(statePath), stateAfterFailure);
+
+    server.setStatus(201);
+    InstallTracker accepted(serverConfig());
+    EXPECT_TRUE(accepted.sync());
+    auto const requests = server.requests();
+    ASSERT_EQ(requests.size(), 3U);
+    for (auto const& request : requests) {
+        EXPECT_NE(request.body.find(R"("event_type":"install_registered","install_id":")" + id + "\""),
+            std::string::npos);
+    }
+    EXPECT_EQ(readStateFile(statePath).at("registered"), "1");
+}
+
+TEST_F(InstallTrackerTest, OnlyTwoHundredsCountAsAcceptedAndRedirectsAreNotFollowed)
+{
+    for (int const status : {200, 201, 204, 299}) {
+        server.setStatus(status);
+        InstallTracker tracker(serverConfig());
+        EXPECT_TRUE(tracker.sendEvent("install_registered", 1)) << status << ": " << tracker.lastError();
+        EXPECT_EQ(tracker.lastError(), "");
+    }
+    for (int const status : {300, 301, 302, 404, 500}) {
+        server.setStatus(status);
+        InstallTracker tracker(serverConfig());
+        EXPECT_FALSE(tracker.sendEvent("install_registered", 1)) << status;
+        EXPECT_EQ(tracker.lastError(), "tracking endpoint returned HTTP " + std::to_string(status));
+    }
+    for (auto const& request : server.requests()) {
+        EXPECT_EQ(request.path, kEventPath); // nothing went to the Location of a 3xx
+    }
+    EXPECT_EQ(server.requests().size(), 9U);
+}
+
+TEST_F(InstallTrackerTest, AnInterimStatusIsAFailureInLibcurlsOwnWords)
+{
+    server.setStatus(199);
+    InstallTracker tracker(serverConfig());
+    EXPECT_FALSE(tracker.sendEvent("install_registered", 1));
+    EXPECT_FALSE(tracker.lastError().empty());
+    EXPECT_EQ(tracker.lastError().find("tracking endpoint returned HTTP"), std::string::npos) << tracker.lastError();
+}
+
+TEST_F(InstallTrackerTest, AnEndpointThatRefusesTheConnectionGivesLibcurlsErrorText)
+{
+    int const probe = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    ASSERT_EQ(::bind(probe, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length), 0);
+    ::close(probe); // nothing listens on that port now
+
+    InstallTracker tracker(config("http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + kEventPath));
+    EXPECT_FALSE(tracker.sync());
+    EXPECT_EQ(tracker.lastError(), "Couldn't connect to server");
+    EXPECT_EQ(lastLogMessage(), "Install tracking register failed: Couldn't connect to server");
+}
+
+TEST_F(InstallTrackerTest, AnEmptyEndpointPreparesTheStateAndSendsNothing)
+{
+    InstallTracker tracker(config(""));
+    EXPECT_TRUE(tracker.sync());
+    EXPECT_EQ(lastLogMessage(), "Install tracking: endpoint not configured, state prepared only");
+    EXPECT_EQ(tracker.installId().size(), 36U);
+    EXPECT_EQ(readStateFile(statePath).at("registered"), "0");
+    EXPECT_FALSE(tracker.sendEvent("install_heartbeat", 1));
+    EXPECT_EQ(tracker.lastError(), "tracking endpoint not configured");
+    EXPECT_TRUE(server.requests().empty());
+}
+
+TEST_F(InstallTrackerTest, AStateThatCannotBeSavedSendsNoEvent)
+{
+    test::writeFile(dir.path() / "blocker", "");
+    auto blocked = serverConfig();
+    blocked.statePath = (dir.path() / "blocker" / "install-tracker.state").string();
+    InstallTracker tracker(std::move(blocked));
+    EXPECT_FALSE(tracker.sync());
+    EXPECT_EQ(tracker.lastError(), "unable to persist install tracker state");
+    EXPECT_EQ(lastLogMessage(), "Install tracking: failed to save initial state");
+    EXPECT_TRUE(server.requests().empty());
+}
+
+TEST_F(InstallTrackerTest, TheStateFileIsReadLenientlyAndWrittenBackInItsOwnForm)
+{
+    test::writeFile(statePath, "garbage line\r\n"
+                               "  install_id  =  my-id \t\r\n"
+                               "first_seen_at=12abc\n"
+                               "last_heartbeat_at=not a number\n"
+                               "unknown=1\n"
+                               "=orphan value\n"
+                               "registered=0\n"
+                               "registered = true\n");
+    InstallTracker tracker(config(""));
+    ASSERT_TRUE(tracker.loadState());
+    EXPECT_EQ(tracker.installId(), "my-id");
+    ASSERT_TRUE(tracker.saveState());
+    EXPECT_EQ(test::readFile(statePath), "install_id=my-id\nfirst_seen_at=12\nlast_heartbeat_at=0\nregistered=1\n");
+
+    for (auto const* value : {"yes", "TRUE", "2", ""}) {
+        test::writeFile(statePath, std::string("install_id=my-id\nregistered=") + value + "\n");
+        ASSERT_TRUE(tracker.loadState());
+        ASSERT_TRUE(tracker.saveState());
+        EXPECT_EQ(readStateFile(statePath).at("registered"), "0") << value;
+    }
+}
+
+TEST_F(InstallTrackerTest, AMissingStateFileIsAFirstStartAndAnEmptyIdMakesANewOne)
+{
+    InstallTracker tracker(config(""));
+    EXPECT_TRUE(tracker.loadState());
+    EXPECT_EQ(tracker.installId(), "");
+    EXPECT_FALSE(std::filesystem::exists(statePath));
+
+    test::writeFile(statePath, "install_id=\nfirst_seen_at=77\n");
+    EXPECT_TRUE(tracker.loadState());
+    EXPECT_TRUE(tracker.ensureInstallId());
+    EXPECT_EQ(tracker.installId().size(), 36U);
+    EXPECT_EQ(readStateFile(statePath).at("first_seen_at"), "77"); // kept, not replaced by now
+    auto const id = tracker.installId();
+    EXPECT_TRUE(tracker.ensureInstallId());
+    EXPECT_EQ(tracker.installId(), id);
+}
+
+TEST_F(InstallTrackerTest, TheHeartbeatIsDueExactlyWhenTheIntervalHasPassedAndNeverOverflows)
+{
+    InstallTracker tracker(config(""));
+    auto const load = [&](std::string const& state) {
+        test::writeFile(statePath, state);
+        ASSERT_TRUE(tracker.loadState());
+    };
+    load("install_id=a\nlast_heartbeat_at=1000\nregistered=1\n");
+    EXPECT_FALSE(tracker.shouldSendHeartbeat(1000 + 259200 - 1));
+    EXPECT_TRUE(tracker.shouldSendHeartbeat(1000 + 259200));
+    EXPECT_FALSE(tracker.shouldSendHeartbeat(500)); // a clock set back only delays it
+    load("install_id=a\nlast_heartbeat_at=1000\nregistered=0\n");
+    EXPECT_TRUE(tracker.shouldSendHeartbeat(1000));
+    load("install_id=a\nlast_heartbeat_at=0\nregistered=1\n");
+    EXPECT_TRUE(tracker.shouldSendHeartbeat(0));
+    load("install_id=a\nlast_heartbeat_at=99999999999999999999\nregistered=1\n");
+    EXPECT_FALSE(tracker.shouldSendHeartbeat(secondsNow()));
+
+    auto huge = config("");
+    huge.heartbeatInterval = std::chrono::hours::max();
+    InstallTracker patient(std::move(huge));
+    test::writeFile(statePath, "install_id=a\nlast_heartbeat_at=1000\nregistered=1\n");
+    ASSERT_TRUE(patient.loadState());
+    EXPECT_FALSE(patient.shouldSendHeartbeat(std::numeric_limits<long long>::max()));
+}
+
+TEST_F(InstallTrackerTest, TextsAreJsonEscapedForExactlyFiveCharacters)
+{
+    auto withSource = serverConfig();
+    withSource.installSource = "line one\nline two\t\"quoted\" back\\slash\r\f";
+    withSource.appVersion = "1.0 \x01";
+    InstallTracker tracker(std::move(withSource));
+    ASSERT_TRUE(tracker.sync());
+    auto const body = server.requests().at(0).body;
+    EXPECT_NE(body.find(R"("install_source":"line one\nline two\t\"quoted\" back\\slash\r)" "\f\""),
+        std::string::npos)
+        << body;
+    EXPECT_NE(body.find("\"app_version\":\"1.0 \x01\""), std::string::npos);
+}
+
+TEST_F(InstallTrackerTest, TheStateFileIsPrivateAndItsNewFoldersAreOwnerOnly)
+{
+    auto const previous = ::umask(0);
+    auto nested = config("");
+    nested.statePath = (dir.path() / "data" / "PerchFtp" / "install-tracker.state").string();
+    InstallTracker tracker(nested);
+    EXPECT_TRUE(tracker.sync());
+    struct stat info {};
+    ASSERT_EQ(::stat(nested.statePath.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600U);
+    ASSERT_EQ(::stat((dir.path() / "data").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0700U);
+
+    // A rewrite narrows a file that an older version left readable by others.
+    ::chmod(nested.statePath.c_str(), 0644);
+    EXPECT_TRUE(tracker.saveState());
+    ASSERT_EQ(::stat(nested.statePath.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600U);
+    ::umask(previous);
+}
+
+} // namespace
+} // namespace perchftp::platform

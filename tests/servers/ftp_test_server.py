@@ -1,0 +1,158 @@
+#!/usr/bin/python3
+"""A scriptable FTP server for the tests, plain or with implicit TLS.
+
+The test steers it through files in its control folder, read anew for every command:
+  lists/<hex of folder>  exact bytes sent for a LIST in that folder ("/" is hex "2f")
+  lists/default          exact bytes sent for a LIST in any other folder
+  replies.tsv            lines "MATCH<TAB>REPLY[<TAB>TIMES]": a command whose whole line or verb is
+                         MATCH gets REPLY instead of its normal handling, TIMES times or always.
+                         REPLY "CLOSE" drops the control connection, "STALL" never answers.
+Every command line received is appended to record.log as it arrives. Once listening, the port is
+written to the file named by --port-file.
+"""
+
+import argparse
+import os
+import sys
+
+from pyftpdlib.authorizers import DummyAuthorizer
+from pyftpdlib.handlers import DTPHandler, FTPHandler, ThrottledDTPHandler, TLS_FTPHandler, TLS_DTPHandler
+from pyftpdlib.servers import FTPServer
+
+
+def make_scripted(base):
+    class ScriptedHandler(base):
+        control = None
+        rule_uses = {}
+
+        def _control_file(self, *parts):
+            return os.path.join(self.control, *parts)
+
+        def _record(self, line):
+            with open(self._control_file("record.log"), "a", encoding="utf-8", errors="surrogateescape") as f:
+                f.write(line + "\n")
+
+        def _scripted_reply(self, line, verb):
+            try:
+                with open(self._control_file("replies.tsv"), encoding="utf-8") as f:
+                    rules = [row.rstrip("\n").split("\t") for row in f if "\t" in row]
+            except FileNotFoundError:
+                return None
+            for matching in (lambda m: m == line, lambda m: m == verb):
+                for rule in rules:
+                    if not matching(rule[0]):
+                        continue
+                    key = "\t".join(rule)
+                    times = int(rule[2]) if len(rule) > 2 and rule[2] else -1
+                    used = ScriptedHandler.rule_uses.get(key, 0)
+                    if times >= 0 and used >= times:
+                        continue
+                    ScriptedHandler.rule_uses[key] = used + 1
+                    return rule[1]
+            return None
+
+        def pre_process_command(self, line, cmd, arg):
+            self._record(line)
+            verb = cmd
+            if cmd == "SITE" and arg:
+                verb = "SITE " + arg.split(" ")[0].upper()
+            reply = self._scripted_reply(line, verb)
+            if reply is None:
+                return super().pre_process_command(line, cmd, arg)
+            if reply == "CLOSE":
+                self.close()
+            elif reply != "STALL":
+                self.respond(reply)
+
+        def ftp_LIST(self, path):
+            folder = self.fs.fs2ftp(path)
+            for name in (folder.encode("utf-8", "surrogateescape").hex(), "default"):
+                try:
+                    with open(self._control_file("lists", name), "rb") as f:
+                        body = f.read()
+                except FileNotFoundError:
+                    continue
+                self.push_dtp_data(body, isproducer=False, cmd="LIST")
+                return path
+            return super().ftp_LIST(path)
+
+    return ScriptedHandler
+
+
+class ImplicitTlsMixin:
+    """Speaks TLS from the first byte: the handshake comes before the greeting."""
+
+    def __init__(self, conn, server, ioloop=None):
+        super().__init__(conn, server, ioloop)
+        if self.connected:
+            self.secure_connection(self.ssl_context)
+
+
+class EarlyHandshakeTlsDTPHandler(TLS_DTPHandler):
+    """libcurl starts the TLS handshake as soon as the data connection opens, before the command
+    that uses it; pyftpdlib would take those early bytes for a client gone away and close."""
+
+    def readable(self):
+        if not self._initialized:
+            return self._ssl_accepting or self.receive
+        return super().readable()
+
+
+def tls_context(cert, key):
+    from OpenSSL import SSL
+    context = SSL.Context(SSL.TLS_SERVER_METHOD)
+    context.use_certificate_chain_file(cert)
+    context.use_privatekey_file(key)
+    # libcurl resumes the control connection's TLS session on every data connection; without a
+    # session id context OpenSSL refuses the resumption and the data handshake fails.
+    context.set_session_id(b"perchftp-test-server")
+    return context
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--root", required=True)
+    parser.add_argument("--control", required=True)
+    parser.add_argument("--port-file", required=True)
+    parser.add_argument("--user", required=True)
+    parser.add_argument("--password", required=True)
+    parser.add_argument("--implicit-tls", action="store_true")
+    parser.add_argument("--cert")
+    parser.add_argument("--key")
+    parser.add_argument("--throttle", type=int, default=0, help="bytes per second on data connections")
+    args = parser.parse_args()
+
+    authorizer = DummyAuthorizer()
+    authorizer.add_user(args.user, args.password, args.root, perm="elradfmwMT")
+
+    if args.implicit_tls:
+        handler = type("ImplicitTlsHandler", (ImplicitTlsMixin, make_scripted(TLS_FTPHandler)), {})
+        handler.ssl_context = tls_context(args.cert, args.key)
+        handler.dtp_handler = EarlyHandshakeTlsDTPHandler
+    else:
+        handler = make_scripted(FTPHandler)
+    if args.throttle:
+        throttled = ThrottledDTPHandler if handler.dtp_handler is DTPHandler else type(
+            "ThrottledTlsDTPHandler", (EarlyHandshakeTlsDTPHandler, ThrottledDTPHandler), {})
+        handler.dtp_handler = type("Throttled", (throttled,),
+                                   {"read_limit": args.throttle, "write_limit": args.throttle})
+    handler.control = args.control
+    handler.authorizer = authorizer
+    handler.permit_foreign_addresses = False
+    handler.banner = "PerchFtp test server ready."
+
+    server = FTPServer(("127.0.0.1", 0), handler)
+    server.max_cons = 64
+    port = server.socket.getsockname()[1]
+    temporary = args.port_file + ".tmp"
+    with open(temporary, "w") as f:
+        f.write(str(port))
+    os.rename(temporary, args.port_file)
+    sys.stdout.flush()
+    server.serve_forever(handle_exit=True)
+
+
+if __name__ == "__main__":
+    import logging
+    logging.basicConfig(level=logging.DEBUG if os.environ.get("PERCHFTP_FTP_DEBUG") else logging.ERROR)
+    main()

@@ -1,0 +1,308 @@
+#include "storage/legacy_snapshot.hpp"
+#include "storage/persistent_store.hpp"
+
+#include "storage/raw_database.hpp"
+#include "storage/store_fixture.hpp"
+#include "support/temp_dir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <chrono>
+#include <filesystem>
+
+namespace perchftp::storage {
+namespace {
+
+using test::makeProfile;
+using test::permissionBits;
+using test::RawDatabase;
+namespace fs = std::filesystem;
+
+constexpr char const* kLegacyText = "3 1\n1\n2\n3\n1\n30000\n2\n{}\n"
+                                    "4\nLegacy\nftp\nold.example\n21\nbob\nhunter2\n/l\n/r\n1\nGroup\n0\n0\n0\nbinary\n"
+                                    "10000\n60000\n1\n";
+
+Snapshot withProfiles(std::vector<SiteProfile> profiles)
+{
+    Snapshot snapshot;
+    snapshot.profiles = std::move(profiles);
+    return snapshot;
+}
+
+class SqliteStoreTest : public testing::Test {
+protected:
+    std::string databasePath() const { return dir.file("perchftp-sites.db"); }
+    std::unique_ptr<IPersistentStore> store() const { return createFileStore(databasePath()); }
+
+    test::TempDir dir;
+};
+
+TEST_F(SqliteStoreTest, LoadWithoutAFileGivesNothingAndCreatesNothing)
+{
+    EXPECT_EQ(store()->schemaVersion(), 3);
+    EXPECT_FALSE(store()->load().has_value());
+    EXPECT_TRUE(fs::is_empty(dir.path()));
+    EXPECT_FALSE(createFileStore("")->load().has_value());
+    EXPECT_FALSE(createFileStore("")->save(Snapshot{}));
+}
+
+TEST_F(SqliteStoreTest, SaveMakesMissingFoldersAndLoadGivesBackTheRepairedSnapshotOrderedById)
+{
+    auto const path = (dir.path() / "a" / "b" / "perchftp-sites.db").string();
+    auto full = makeProfile(9, "files.example.com");
+    full.name = "  Office  ";
+    full.secretRef = "p@ss w0rd\"'";
+    full.status = 2;
+    full.group = "Clients";
+    full.favorite = full.quickConnect = full.autoConnect = true;
+    full.transferMode = TransferMode::Eager;
+    full.connectTimeoutMs = 1234;
+    full.transferTimeoutMs = 5678;
+    full.useEncryption = false;
+    auto outOfRange = makeProfile(2, "other.example.com");
+    outOfRange.port = 70000;
+    outOfRange.transferMode = TransferMode::Ascii;
+    Snapshot snapshot = withProfiles({full, outOfRange});
+    snapshot.version = 1;
+    snapshot.settings.autoReconnect = snapshot.settings.useDarkTheme = false;
+    snapshot.settings.concurrentTransfers = -7;
+    snapshot.settings.defaultProtocol = "ftp";
+    snapshot.settings.operationTimeoutMs = 0;
+    snapshot.settings.uiLayoutJson = R"({"split":0.5})";
+
+    ASSERT_TRUE(createFileStore(path)->save(snapshot));
+    auto const loaded = createFileStore(path)->load();
+    ASSERT_TRUE(loaded.has_value());
+    auto expected = normalizeSnapshot(snapshot);
+    std::swap(expected.profiles[0], expected.profiles[1]);
+    EXPECT_EQ(expected.profiles[0].port, 21);
+    EXPECT_EQ(expected.settings.operationTimeoutMs, 30000);
+    EXPECT_EQ(*loaded, expected);
+
+    // The secret stands in clear in its column, the mode as its word, the version as 3.
+    RawDatabase raw(path);
+    EXPECT_EQ(raw.text("SELECT secret_ref FROM site_profiles WHERE id = 9"), "p@ss w0rd\"'");
+    EXPECT_EQ(raw.text("SELECT transfer_mode FROM site_profiles WHERE id = 9"), "eager");
+    EXPECT_EQ(raw.integer("SELECT version FROM app_settings WHERE id = 1"), 3);
+    EXPECT_EQ(raw.text("PRAGMA journal_mode"), "wal");
+}
+
+TEST_F(SqliteStoreTest, AnEmptySnapshotLeavesOneSettingsRowAndAnEmptySettingsTableLoadsDefaults)
+{
+    ASSERT_TRUE(store()->save(Snapshot{}));
+    {
+        RawDatabase raw(databasePath());
+        EXPECT_EQ(raw.integer("SELECT count(*) FROM app_settings"), 1);
+        EXPECT_EQ(raw.integer("SELECT count(*) FROM site_profiles"), 0);
+        ASSERT_TRUE(raw.exec("UPDATE app_settings SET log_level = 5"));
+    }
+    EXPECT_EQ(store()->load()->settings.logLevel, 5);
+    RawDatabase(databasePath()).exec("DELETE FROM app_settings");
+    EXPECT_EQ(store()->load(), Snapshot{});
+}
+
+TEST_F(SqliteStoreTest, ASaveReplacesEverythingAndAFailedOneLeavesTheOldContent)
+{
+    ASSERT_TRUE(store()->save(withProfiles({makeProfile(1, "a.example"), makeProfile(2, "b.example")})));
+    ASSERT_TRUE(store()->save(withProfiles({makeProfile(5, "kept.example")})));
+    EXPECT_FALSE(store()->save(withProfiles({makeProfile(4, "x.example"), makeProfile(4, "y.example")})));
+    auto const loaded = store()->load();
+    ASSERT_EQ(loaded->profiles.size(), 1U);
+    EXPECT_EQ(loaded->profiles[0].host, "kept.example");
+}
+
+TEST_F(SqliteStoreTest, LoadCreatesTheTablesInADatabaseThatHasNone)
+{
+    RawDatabase(databasePath()).exec("PRAGMA user_version = 7");
+    EXPECT_EQ(store()->load(), Snapshot{});
+    EXPECT_EQ(RawDatabase(databasePath())
+                  .integer("SELECT count(*) FROM sqlite_master WHERE name IN ('app_settings', 'site_profiles')"),
+        2);
+}
+
+TEST_F(SqliteStoreTest, NullTextsAndUnknownModeWordsReadAsDefaults)
+{
+    {
+        // Looser tables than the store's own, which CREATE TABLE IF NOT EXISTS leaves in place.
+        RawDatabase raw(databasePath());
+        ASSERT_TRUE(raw.exec("CREATE TABLE app_settings (id INTEGER PRIMARY KEY, version, auto_reconnect, "
+                             "concurrent_transfers, retry_limit, use_dark_theme, default_protocol, "
+                             "operation_timeout_ms, log_level, ui_layout_json)"));
+        ASSERT_TRUE(raw.exec("INSERT INTO app_settings VALUES (1, 2, 0, 4, 5, 0, NULL, 100, 1, NULL)"));
+        ASSERT_TRUE(raw.exec("CREATE TABLE site_profiles (id INTEGER PRIMARY KEY, name, protocol, host, port, "
+                             "user, secret_ref, local_root, remote_root, status, profile_group, favorite, "
+                             "quick_connect, auto_connect, transfer_mode, connect_timeout_ms, "
+                             "transfer_timeout_ms, use_encryption)"));
+        ASSERT_TRUE(raw.exec("INSERT INTO site_profiles VALUES (1, 'a', 'ftp', 'h', 21, NULL, NULL, NULL, NULL, "
+                             "1, NULL, 5, 0, 0, 'Ascii', 0, 0, 0), (2, 'b', 'ftp', 'h2', 21, 'u', 's', 'l', 'r', "
+                             "1, 'G', 0, 0, 0, 'eager', 10, 20, 1)"));
+    }
+    auto const loaded = store()->load();
+    ASSERT_TRUE(loaded.has_value());
+    EXPECT_EQ(loaded->settings.defaultProtocol, "sftp");
+    EXPECT_EQ(loaded->settings.uiLayoutJson, "{}");
+    EXPECT_EQ(loaded->settings.concurrentTransfers, 4);
+    ASSERT_EQ(loaded->profiles.size(), 2U);
+    auto const& sparse = loaded->profiles[0];
+    EXPECT_EQ(sparse.user, "");
+    EXPECT_EQ(sparse.group, "General");
+    EXPECT_TRUE(sparse.favorite);
+    EXPECT_EQ(sparse.transferMode, TransferMode::Binary);
+    EXPECT_EQ(sparse.connectTimeoutMs, 10000);
+    EXPECT_EQ(loaded->profiles[1].transferMode, TransferMode::Eager);
+}
+
+TEST_F(SqliteStoreTest, RowsReadBeforeAFailingStepStand)
+{
+    {
+        RawDatabase raw(databasePath());
+        ASSERT_TRUE(raw.exec("CREATE TABLE profile_rows (id INTEGER PRIMARY KEY, host TEXT)"));
+        ASSERT_TRUE(raw.exec("INSERT INTO profile_rows VALUES (1, 'one'), (2, 'two'), (3, 'three'), (4, 'four')"));
+        // The third row raises an integer overflow when it is evaluated, in the middle of the scan.
+        ASSERT_TRUE(raw.exec("CREATE VIEW site_profiles AS SELECT id, 'n' AS name, 'ftp' AS protocol, host, "
+                             "21 AS port, '' AS user, '' AS secret_ref, '' AS local_root, '' AS remote_root, "
+                             "1 AS status, 'G' AS profile_group, CASE WHEN id = 3 THEN abs(-9223372036854775808) "
+                             "ELSE 0 END AS favorite, 0 AS quick_connect, 0 AS auto_connect, 'binary' AS "
+                             "transfer_mode, 1 AS connect_timeout_ms, 1 AS transfer_timeout_ms, 1 AS "
+                             "use_encryption FROM profile_rows"));
+    }
+    auto const loaded = store()->load();
+    ASSERT_TRUE(loaded.has_value());
+    ASSERT_EQ(loaded->profiles.size(), 2U);
+    EXPECT_EQ(loaded->profiles[1].host, "two");
+}
+
+TEST_F(SqliteStoreTest, ADatabaseWithOtherColumnsLoadsNoProfilesAndRefusesToSave)
+{
+    {
+        RawDatabase raw(databasePath());
+        ASSERT_TRUE(raw.exec("CREATE TABLE site_profiles (id INTEGER PRIMARY KEY, name TEXT)"));
+        ASSERT_TRUE(raw.exec("INSERT INTO site_profiles VALUES (1, 'old')"));
+    }
+    EXPECT_EQ(store()->load(), Snapshot{});
+    EXPECT_FALSE(store()->save(withProfiles({makeProfile(1, "h")})));
+    EXPECT_EQ(RawDatabase(databasePath()).text("SELECT name FROM site_profiles"), "old");
+}
+
+TEST_F(SqliteStoreTest, ADamagedDatabaseLoadsNothingAndIsNotOverwritten)
+{
+    std::string damaged("SQLite format 3", 16);
+    damaged += std::string(4000, 'x');
+    test::writeFile(databasePath(), damaged);
+    EXPECT_FALSE(store()->load().has_value());
+    EXPECT_FALSE(store()->save(Snapshot{}));
+    EXPECT_EQ(test::readFile(databasePath()), damaged);
+}
+
+TEST_F(SqliteStoreTest, ALockedDatabaseStillLoadsItsCommittedContentAndRefusesASaveAtOnce)
+{
+    ASSERT_TRUE(store()->save(withProfiles({makeProfile(1, "committed.example")})));
+    RawDatabase writer(databasePath());
+    ASSERT_TRUE(writer.exec("BEGIN IMMEDIATE TRANSACTION"));
+    ASSERT_TRUE(writer.exec("UPDATE site_profiles SET host = 'uncommitted.example'"));
+
+    auto const loaded = store()->load();
+    ASSERT_TRUE(loaded.has_value());
+    EXPECT_EQ(loaded->profiles.at(0).host, "committed.example");
+
+    auto const started = std::chrono::steady_clock::now();
+    EXPECT_FALSE(store()->save(Snapshot{}));
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::milliseconds(500));
+    ASSERT_TRUE(writer.exec("ROLLBACK"));
+    EXPECT_EQ(store()->load()->profiles.size(), 1U);
+}
+
+TEST_F(SqliteStoreTest, AFileThatIsNeitherDatabaseNorLegacyLoadsNothingAndIsReplacedBySave)
+{
+    for (std::string const& junk : {std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), std::string()}) {
+        test::writeFile(databasePath(), junk);
+        EXPECT_FALSE(store()->load().has_value());
+        ASSERT_TRUE(store()->save(withProfiles({makeProfile(3, "fresh.example")})));
+        EXPECT_TRUE(detail::fileLooksLikeSqliteDatabase(databasePath()));
+        EXPECT_EQ(store()->load()->profiles.at(0).host, "fresh.example");
+        fs::remove(databasePath());
+    }
+}
+
+TEST_F(SqliteStoreTest, ALegacyFileIsReadAndReplacedByADatabaseAtTheFirstSave)
+{
+    test::writeFile(databasePath(), kLegacyText);
+    auto const loaded = store()->load();
+    ASSERT_TRUE(loaded.has_value());
+    EXPECT_EQ(loaded->profiles.at(0).secretRef, "hunter2");
+    EXPECT_FALSE(detail::fileLooksLikeSqliteDatabase(databasePath()));
+    ASSERT_TRUE(store()->save(*loaded));
+    EXPECT_TRUE(detail::fileLooksLikeSqliteDatabase(databasePath()));
+    EXPECT_EQ(store()->load(), loaded);
+}
+
+TEST_F(SqliteStoreTest, ALegacyFileIsGoneEvenWhenTheSaveThatReplacesItFails)
+{
+    test::writeFile(databasePath(), kLegacyText);
+    EXPECT_FALSE(store()->save(withProfiles({makeProfile(4, "x.example"), makeProfile(4, "y.example")})));
+    EXPECT_EQ(store()->load(), Snapshot{});
+}
+
+TEST_F(SqliteStoreTest, ASaveWhoseFolderCannotBeMadeOrWhosePathIsAFolderFailsAndChangesNothing)
+{
+    test::writeFile(dir.path() / "blocker", "not a folder");
+    auto const blocked = createFileStore((dir.path() / "blocker" / "sub" / "perchftp-sites.db").string());
+    EXPECT_FALSE(blocked->save(Snapshot{}));
+    EXPECT_FALSE(blocked->load().has_value());
+    EXPECT_EQ(test::readFile(dir.path() / "blocker"), "not a folder");
+
+    fs::create_directory(databasePath());
+    EXPECT_FALSE(store()->load().has_value());
+    EXPECT_FALSE(store()->save(Snapshot{}));
+    EXPECT_TRUE(fs::is_empty(databasePath()));
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 2);
+}
+
+// Sets the umask for the life of the object.
+class Umask {
+public:
+    explicit Umask(mode_t mask)
+        : previous_(::umask(mask))
+    {
+    }
+    ~Umask() { ::umask(previous_); }
+    Umask(Umask const&) = delete;
+    Umask& operator=(Umask const&) = delete;
+
+private:
+    mode_t previous_;
+};
+
+TEST_F(SqliteStoreTest, NewFoldersAreOwnerOnlyAndTheDatabaseIsPrivateWhateverTheUmask)
+{
+    Umask const permissive(0);
+    auto const before = permissionBits(dir.path());
+    auto const path = dir.path() / "data" / "PerchFtp" / "perchftp-sites.db";
+    ASSERT_TRUE(createFileStore(path.string())->save(Snapshot{}));
+    EXPECT_EQ(permissionBits(dir.path()), before);
+    EXPECT_EQ(permissionBits(dir.path() / "data"), 0700);
+    EXPECT_EQ(permissionBits(dir.path() / "data" / "PerchFtp"), 0700);
+    EXPECT_EQ(permissionBits(path), 0600);
+}
+
+TEST_F(SqliteStoreTest, ARewriteNarrowsTheDatabaseAndItsCompanionFilesToTheOwner)
+{
+    Umask const permissive(0);
+    ASSERT_TRUE(store()->save(Snapshot{}));
+    // A reader that stays open keeps the write-ahead log and the shared-memory file in place.
+    RawDatabase reader(databasePath());
+    ASSERT_EQ(reader.integer("SELECT count(*) FROM site_profiles"), 0);
+    for (auto const* suffix : {"", "-wal", "-shm"}) {
+        ASSERT_TRUE(fs::exists(databasePath() + suffix)) << suffix;
+        fs::permissions(databasePath() + suffix, fs::perms(0644));
+    }
+    ASSERT_TRUE(store()->save(withProfiles({makeProfile(1, "h")})));
+    for (auto const* suffix : {"", "-wal", "-shm"}) {
+        EXPECT_EQ(permissionBits(databasePath() + suffix), 0600) << suffix;
+    }
+}
+
+} // namespace
+} // namespace perchftp::storage

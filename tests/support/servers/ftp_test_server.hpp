@@ -1,0 +1,74 @@
+#pragma once
+
+#include "support/servers/child_process.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace perchftp::test {
+
+struct FtpTestServerOptions {
+    std::string user = "perch";
+    std::string password = "perch-secret";
+    // TLS from the first byte, as libcurl's "ftps://" expects; needs both files (PEM).
+    bool implicitTls = false;
+    std::filesystem::path certificateFile;
+    std::filesystem::path keyFile;
+    // Limits every data connection to this many bytes per second in each direction; 0 = no limit.
+    std::uint64_t throttleBytesPerSecond = 0;
+};
+
+// A real FTP server (pyftpdlib) on 127.0.0.1 with a free port, serving a fresh temporary folder
+// as "/" to one user. Tests script it: exact LIST bodies per folder, chosen replies to chosen
+// commands, and the record of every command line it received. Stopped and removed on destruction.
+class FtpTestServer {
+public:
+    explicit FtpTestServer(FtpTestServerOptions options = {});
+    ~FtpTestServer();
+    FtpTestServer(FtpTestServer const&) = delete;
+    FtpTestServer& operator=(FtpTestServer const&) = delete;
+
+    int port() const { return port_; }
+    std::string const& user() const { return options_.user; }
+    std::string const& password() const { return options_.password; }
+    // The local folder that the server shows as "/".
+    std::filesystem::path const& root() const { return root_; }
+    // The local place of a remote path, e.g. local("/a/b.txt").
+    std::filesystem::path local(std::string const& remotePath) const;
+
+    // A LIST in `folder` ("/", "/a/b") answers with exactly these bytes.
+    void setListing(std::string const& folder, std::string const& body);
+    // A LIST in any folder without its own listing answers with these bytes.
+    void setDefaultListing(std::string const& body);
+    // A command whose whole line equals `command`, or whose verb does ("RNFR", "SITE CHMOD"),
+    // is answered with `reply` (e.g. "550 Refused.") instead of being carried out, the first
+    // `times` times, or always when times is negative. Whole-line rules win over verb rules.
+    // The replies "CLOSE" (drop the control connection) and "STALL" (never answer) act.
+    void setReply(std::string const& command, std::string const& reply, int times = -1);
+    void clearReplies();
+
+    // Every command line received since the start or the last clear, in order, as sent.
+    std::vector<std::string> receivedCommands() const;
+    // The same, only the lines that begin with one of the given verbs.
+    std::vector<std::string> receivedCommands(std::vector<std::string> const& verbs) const;
+    void clearReceivedCommands();
+
+    // Ends the server at once, dropping every connection.
+    void kill();
+
+private:
+    FtpTestServerOptions options_;
+    std::filesystem::path folder_;
+    std::filesystem::path root_;
+    std::filesystem::path control_;
+    std::unique_ptr<ChildProcess> process_;
+    int port_ = 0;
+};
+
+// Where the test servers' scripts live in the source tree.
+std::filesystem::path testServersFolder();
+
+} // namespace perchftp::test

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "support/servers/child_process.hpp"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace perchftp::test {
+
+// OpenSSH's sshd on 127.0.0.1 with a free port and a configuration, host key and log of its own,
+// serving SFTP to a throwaway system user with a password and a key. The user is created for this
+// object and deleted with it; the machine's own sshd configuration is never read or touched.
+class SshdTestServer {
+public:
+    // Empty when this process can run one; otherwise why not (it needs root to add a user).
+    static std::string whyUnavailable();
+
+    SshdTestServer(); // throws std::runtime_error when it can't start
+    ~SshdTestServer();
+    SshdTestServer(SshdTestServer const&) = delete;
+    SshdTestServer& operator=(SshdTestServer const&) = delete;
+
+    int port() const { return port_; }
+    std::string const& user() const { return user_; }
+    std::string const& password() const { return password_; }
+    // The user's home folder, empty at start; SFTP paths are absolute, so tests use it as prefix.
+    std::filesystem::path const& home() const { return home_; }
+    // The user's private key, for OpenSSH's own client.
+    std::filesystem::path privateKey() const { return folder_ / "client_key"; }
+
+    void kill();
+
+private:
+    void createUser();
+    void writeConfiguration();
+    void release();
+
+    std::filesystem::path folder_;
+    std::filesystem::path home_;
+    std::string user_;
+    std::string password_ = "sftp-Secret-42";
+    bool userCreated_ = false;
+    int port_ = 0;
+    std::unique_ptr<ChildProcess> process_;
+};
+
+} // namespace perchftp::test

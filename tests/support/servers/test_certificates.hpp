@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace perchftp::test {
+
+// A throwaway certificate authority and a server certificate for 127.0.0.1 and localhost signed
+// by it, made with the openssl command line in a temporary folder that goes with this object.
+class TestCertificates {
+public:
+    TestCertificates();
+    ~TestCertificates();
+    TestCertificates(TestCertificates const&) = delete;
+    TestCertificates& operator=(TestCertificates const&) = delete;
+
+    std::filesystem::path authorityCertificate() const { return folder_ / "ca.pem"; }
+    std::filesystem::path serverCertificate() const { return folder_ / "server.pem"; }
+    std::filesystem::path serverKey() const { return folder_ / "server.key"; }
+
+private:
+    std::filesystem::path folder_;
+};
+
+// Makes libcurl's default trust (the system bundle) include `authorityCertificate` for this
+// process only: the process moves into a private mount namespace of its own and bind-mounts a
+// copy of the bundle with the certificate added over the system one. Nothing outside the process
+// sees the change, and it ends with the process. Needs root; returns the reason when it can't.
+std::string trustInPrivateMountNamespace(std::filesystem::path const& authorityCertificate);
+
+} // namespace perchftp::test
