@@ -1,6 +1,7 @@
 #include "app/desktop/folder_chooser.hpp"
 
-#include <QDir>
+#include "app/pane/pane_paths.hpp"
+
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -102,7 +103,7 @@ FolderChooserVerdict judgeFolderChooserRun(FolderChooserRun const& run)
 {
     FolderChooserVerdict verdict;
     QString const output = run.standardOutput.trimmed();
-    verdict.path = output.isEmpty() ? QString() : QDir::cleanPath(output);
+    verdict.path = output.isEmpty() ? QString() : detail::standardizePath(output);
     verdict.errorText = withoutChatter(run.standardError);
 
     if (run.crashed) {
