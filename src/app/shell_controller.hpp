@@ -207,6 +207,7 @@ private:
     void runInstallTracker() const;
     void loadSavedConnections();
     QWidget* buildConnectionArea();
+    QWidget* buildWorkArea(PerchFilePaneController* local, PerchFilePaneController* remote);
     QWidget* buildQueuePanel();
     void buildHiddenTransferControls();
     void wireControls();

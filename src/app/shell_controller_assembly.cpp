@@ -133,24 +133,7 @@ void PerchFtpShellController::assembleMainWindow()
     statusLabel_->setText(QStringLiteral("Ready to connect."));
     layout->addWidget(statusBanner_);
 
-    paneSplitView_ = new PerchPaneSplitView;
-    paneSplitView_->setObjectName(QStringLiteral("paneSplitView"));
-    paneSplitView_->addWidget(local->view());
-    paneSplitView_->addWidget(remote->view());
-    paneSplitView_->setStretchFactor(0, 1);
-    paneSplitView_->setStretchFactor(1, 1);
-    paneSplitView_->setChildrenCollapsible(false);
-    paneSplitView_->setMinimumHeight(220);
-
-    auto* outerSplit = new QSplitter(Qt::Vertical);
-    outerSplit->setObjectName(QStringLiteral("outerSplitView"));
-    outerSplit->setChildrenCollapsible(false);
-    outerSplit->addWidget(paneSplitView_);
-    outerSplit->addWidget(buildQueuePanel());
-    outerSplit->setStretchFactor(0, 1);
-    outerSplit->setStretchFactor(1, 0);
-    outerSplit->setSizes({kWindowHeight, 260});
-    layout->addWidget(outerSplit, 1);
+    layout->addWidget(buildWorkArea(local, remote), 1);
     hostWindow_->setCentralWidget(central);
 
     buildHiddenTransferControls();
@@ -238,6 +221,29 @@ QWidget* PerchFtpShellController::buildConnectionArea()
     buttonRow->addStretch(1);
     rows->addLayout(buttonRow);
     return area;
+}
+
+// The panes side by side above, the queue panel below.
+QWidget* PerchFtpShellController::buildWorkArea(PerchFilePaneController* local, PerchFilePaneController* remote)
+{
+    paneSplitView_ = new PerchPaneSplitView;
+    paneSplitView_->setObjectName(QStringLiteral("paneSplitView"));
+    paneSplitView_->addWidget(local->view());
+    paneSplitView_->addWidget(remote->view());
+    paneSplitView_->setStretchFactor(0, 1);
+    paneSplitView_->setStretchFactor(1, 1);
+    paneSplitView_->setChildrenCollapsible(false);
+    paneSplitView_->setMinimumHeight(220);
+
+    auto* outerSplit = new QSplitter(Qt::Vertical);
+    outerSplit->setObjectName(QStringLiteral("outerSplitView"));
+    outerSplit->setChildrenCollapsible(false);
+    outerSplit->addWidget(paneSplitView_);
+    outerSplit->addWidget(buildQueuePanel());
+    outerSplit->setStretchFactor(0, 1);
+    outerSplit->setStretchFactor(1, 0);
+    outerSplit->setSizes({kWindowHeight, 260});
+    return outerSplit;
 }
 
 QWidget* PerchFtpShellController::buildQueuePanel()

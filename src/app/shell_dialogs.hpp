@@ -35,6 +35,8 @@ struct SavedConnectionAnswer {
 
 // Every modal question the shell asks goes through one object of this kind, owned by the
 // controller. The default shows real dialogs; tests install one that answers from a script.
+// Apart from the folder question, each question has a base answer that declines it the way
+// closing the dialog would, so that an object made for one kind of question serves as a whole.
 class ShellDialogs {
 public:
     virtual ~ShellDialogs() = default;
@@ -43,22 +45,24 @@ public:
     virtual QString chooseExistingFolder(QWidget* parent, QString const& title, QString const& startFolder) = 0;
 
     // An alert with the request's buttons in order; the n-th button (from 0) answers 1000 + n.
-    virtual int runAlert(QWidget* parent, AlertRequest const& request) = 0;
+    // Declined: the last button.
+    virtual int runAlert(QWidget* parent, AlertRequest const& request);
 
     // A one-line text question with "OK" and "Cancel". The text as typed after "OK"; empty
     // optional after "Cancel" or when the dialog was closed otherwise.
     virtual std::optional<QString> askForText(QWidget* parent, QString const& title, QString const& message,
-        QString const& value, QString const& placeholder, QIcon const& icon) = 0;
+        QString const& value, QString const& placeholder, QIcon const& icon);
 
     // The list of saved connections, one display line per connection, with row 0 selected first.
-    virtual SavedConnectionAnswer chooseSavedConnection(QWidget* parent, QStringList const& rows, QIcon const& icon) = 0;
+    // Declined: "Cancel".
+    virtual SavedConnectionAnswer chooseSavedConnection(QWidget* parent, QStringList const& rows, QIcon const& icon);
 
     // The bug-report editor, filled with the template. The edited text after "Submit"; empty
     // optional after "Cancel".
-    virtual std::optional<QString> editBugReport(QWidget* parent, QString const& templateText, QIcon const& icon) = 0;
+    virtual std::optional<QString> editBugReport(QWidget* parent, QString const& templateText, QIcon const& icon);
 
-    // The licence shown before anything else; true when the user accepts it.
-    virtual bool acceptLicence(QString const& licenceText, QIcon const& icon) = 0;
+    // The licence shown before anything else; true when the user accepts it. Declined: false.
+    virtual bool acceptLicence(QString const& licenceText, QIcon const& icon);
 
     // The desktop's folder chooser as a child process; blocks until the user closes it. Unless an
     // implementation answers otherwise, the real chooser program runs.

@@ -25,8 +25,7 @@ QString ScriptedShellDialogs::chooseExistingFolder(QWidget*, QString const& titl
 int ScriptedShellDialogs::runAlert(QWidget*, app::AlertRequest const& request)
 {
     Question question{QStringLiteral("alert"), request.messageText, request.informativeText, request.buttons};
-    int const last = app::kFirstAlertButton + static_cast<int>(std::max<qsizetype>(request.buttons.size(), 1)) - 1;
-    return next<int>(std::move(question)).value_or(last);
+    return next<int>(std::move(question)).value_or(ShellDialogs::runAlert(nullptr, request));
 }
 
 std::optional<QString> ScriptedShellDialogs::askForText(QWidget*, QString const& title, QString const& message,

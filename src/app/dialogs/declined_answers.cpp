@@ -1,0 +1,34 @@
+// The base answers of the dialog seam: every question declined, as closing its dialog would.
+#include "app/shell_dialogs.hpp"
+
+#include <algorithm>
+
+namespace perchftp::app {
+
+int ShellDialogs::runAlert(QWidget*, AlertRequest const& request)
+{
+    return kFirstAlertButton + static_cast<int>(std::max<qsizetype>(request.buttons.size(), 1)) - 1;
+}
+
+std::optional<QString> ShellDialogs::askForText(QWidget*, QString const&, QString const&, QString const&,
+    QString const&, QIcon const&)
+{
+    return std::nullopt;
+}
+
+SavedConnectionAnswer ShellDialogs::chooseSavedConnection(QWidget*, QStringList const&, QIcon const&)
+{
+    return SavedConnectionAnswer{};
+}
+
+std::optional<QString> ShellDialogs::editBugReport(QWidget*, QString const&, QIcon const&)
+{
+    return std::nullopt;
+}
+
+bool ShellDialogs::acceptLicence(QString const&, QIcon const&)
+{
+    return false;
+}
+
+} // namespace perchftp::app
