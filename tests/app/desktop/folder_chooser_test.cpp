@@ -1,13 +1,8 @@
 #include "app/desktop/folder_chooser.hpp"
-#include "support/temp_dir.hpp"
+#include "desktop/fake_folder_chooser.hpp"
 
 #include <gtest/gtest.h>
 
-#include <QByteArray>
-#include <QFile>
-#include <QtGlobal>
-
-#include <filesystem>
 
 namespace {
 
@@ -15,7 +10,6 @@ using perchftp::app::FolderChoice;
 using perchftp::app::FolderChooser;
 using perchftp::app::FolderChooserRun;
 using perchftp::app::judgeFolderChooserRun;
-using perchftp::test::TempDir;
 
 FolderChooserRun ended(int status, QString out, QString err)
 {
@@ -81,79 +75,40 @@ TEST(FolderChooserVerdict, TellsACrashApartFromAFailureToStart)
     EXPECT_EQ(verdict.errorText, QStringLiteral("The folder chooser stopped unexpectedly."));
 }
 
-// Fake choosers on a PATH of their own: each records its arguments, one per line of a file, and
-// answers as the environment tells it.
 class FolderChooserProcess : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        savedPath_ = qgetenv("PATH");
-        std::filesystem::create_directories(bin());
-        qputenv("PATH", QByteArray::fromStdString(bin().string()));
-        qputenv("FAKE_CHOOSER_ARGS", QByteArray::fromStdString(dir_.file("args")));
-    }
-    void TearDown() override
-    {
-        qputenv("PATH", savedPath_);
-        for (auto const* name : {"FAKE_CHOOSER_ARGS", "FAKE_CHOOSER_OUT", "FAKE_CHOOSER_ERR", "FAKE_CHOOSER_EXIT",
-                                 "FAKE_CHOOSER_SIGNAL"}) {
-            qunsetenv(name);
-        }
-    }
-
-    std::filesystem::path bin() const { return dir_.path() / "bin"; }
-
-    void installFake(std::string const& name)
-    {
-        auto const path = bin() / name;
-        perchftp::test::writeFile(path, "#!/bin/sh\n"
-                                        "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$FAKE_CHOOSER_ARGS\"\n"
-                                        "printf '%s' \"$FAKE_CHOOSER_OUT\"\n"
-                                        "printf '%s' \"$FAKE_CHOOSER_ERR\" >&2\n"
-                                        "[ -n \"$FAKE_CHOOSER_SIGNAL\" ] && kill -\"$FAKE_CHOOSER_SIGNAL\" $$\n"
-                                        "exit \"${FAKE_CHOOSER_EXIT:-0}\"\n");
-        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-    }
-
-    QStringList recordedArguments() const
-    {
-        QString const text = QString::fromStdString(perchftp::test::readFile(dir_.file("args")));
-        return text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    }
-
-    TempDir dir_;
-    QByteArray savedPath_;
+    perchftp::test::FakeFolderChooser chooser;
 };
 
 TEST_F(FolderChooserProcess, PassesAStartFolderWithQuotesAndBackslashesIntact)
 {
-    installFake("zenity");
+    chooser.install("zenity");
     QString const start = QStringLiteral(R"(/tmp/a "quoted" \back\slash's $HOME `x`)");
-    qputenv("FAKE_CHOOSER_OUT", "/picked/folder\n");
+    chooser.answer("/picked/folder\n");
     auto const run = FolderChooser::run(start, QStringLiteral("Select a local folder"));
     ASSERT_TRUE(run.started);
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.standardOutput, QStringLiteral("/picked/folder\n"));
-    EXPECT_EQ(recordedArguments(),
+    EXPECT_EQ(chooser.arguments(),
               (QStringList{"--file-selection", "--directory", "--title", "Select a local folder", "--filename",
                            start + "/"}));
 }
 
 TEST_F(FolderChooserProcess, UsesKdialogWhereZenityIsMissing)
 {
-    installFake("kdialog");
-    qputenv("FAKE_CHOOSER_EXIT", "1");
+    chooser.install("kdialog");
+    chooser.answer({}, {}, 1);
     auto const run = FolderChooser::run(QStringLiteral("/srv/it's"), QStringLiteral("Pick"));
     ASSERT_TRUE(run.started);
     EXPECT_EQ(run.exitStatus, 1);
-    EXPECT_EQ(recordedArguments(), (QStringList{"--title", "Pick", "--getexistingdirectory", "/srv/it's"}));
+    EXPECT_EQ(chooser.arguments(), (QStringList{"--title", "Pick", "--getexistingdirectory", "/srv/it's"}));
     EXPECT_EQ(judgeFolderChooserRun(run).choice, FolderChoice::Canceled);
 }
 
 TEST_F(FolderChooserProcess, PrefersZenityWhenBothAreInstalled)
 {
-    installFake("kdialog");
-    installFake("zenity");
+    chooser.install("kdialog");
+    chooser.install("zenity");
     EXPECT_TRUE(FolderChooser::invocation("/x", "p").program.endsWith(QStringLiteral("/zenity")));
 }
 
@@ -166,18 +121,16 @@ TEST_F(FolderChooserProcess, ReportsAMachineWithoutAChooserAsNotStarted)
 
 TEST_F(FolderChooserProcess, ReportsAChooserThatCannotBeExecutedAsNotStarted)
 {
-    installFake("zenity");
-    // Not a program the kernel can run: the start itself fails.
-    perchftp::test::writeFile(bin() / "zenity", std::string("\x7f" "ELF garbage", 12));
+    chooser.installBroken("zenity");
     auto const run = FolderChooser::run(QStringLiteral("/"), QStringLiteral("p"));
     EXPECT_FALSE(run.started);
 }
 
 TEST_F(FolderChooserProcess, SeesACrashAndReadsBothOutputsAfterTheEnd)
 {
-    installFake("zenity");
-    qputenv("FAKE_CHOOSER_ERR", "partial complaint");
-    qputenv("FAKE_CHOOSER_SIGNAL", "SEGV");
+    chooser.install("zenity");
+    chooser.answer({}, "partial complaint");
+    chooser.crashWith("SEGV");
     auto const run = FolderChooser::run(QStringLiteral("/"), QStringLiteral("p"));
     ASSERT_TRUE(run.started);
     EXPECT_TRUE(run.crashed);
@@ -187,8 +140,8 @@ TEST_F(FolderChooserProcess, SeesACrashAndReadsBothOutputsAfterTheEnd)
 
 TEST_F(FolderChooserProcess, TakesOutputThatIsNotUtf8AsEmpty)
 {
-    installFake("zenity");
-    qputenv("FAKE_CHOOSER_OUT", QByteArray("/bad\xff\xfe"));
+    chooser.install("zenity");
+    chooser.answer(QByteArray("/bad\xff\xfe"));
     auto const run = FolderChooser::run(QStringLiteral("/"), QStringLiteral("p"));
     EXPECT_EQ(run.standardOutput, QString());
     EXPECT_EQ(judgeFolderChooserRun(run).choice, FolderChoice::Canceled);
