@@ -16,6 +16,7 @@ if(PERCHFTP_BUILD_SHELL)
             DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps
             RENAME ${PERCHFTP_APP_ID}.png)
   endforeach()
+  install(FILES ${CMAKE_SOURCE_DIR}/resources/licence.txt DESTINATION ${CMAKE_INSTALL_DOCDIR})
   install(FILES ${PERCHFTP_ICON_SOURCE_DIR}/perchftp.svg
           DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
           RENAME ${PERCHFTP_APP_ID}.svg)

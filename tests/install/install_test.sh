@@ -14,6 +14,7 @@ expect=(
   share/applications/$id.desktop
   share/metainfo/$id.metainfo.xml
   share/icons/hicolor/scalable/apps/$id.svg
+  share/doc/PerchFtp/licence.txt
 )
 for size in 16 32 64 128 256; do
   expect+=(share/icons/hicolor/${size}x${size}/apps/$id.png)
