@@ -29,19 +29,4 @@ void PerchFtpShellController::centerDownloadAction()
     notAvailableYet(QStringLiteral("Downloading"));
 }
 
-void PerchFtpShellController::openLocalFolder()
-{
-    notAvailableYet(QStringLiteral("The folder picker"));
-}
-
-void PerchFtpShellController::reportBug()
-{
-    notAvailableYet(QStringLiteral("Reporting bugs"));
-}
-
-void PerchFtpShellController::showAboutPanel()
-{
-    notAvailableYet(QStringLiteral("The about panel"));
-}
-
 } // namespace perchftp::app
