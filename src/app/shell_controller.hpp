@@ -229,6 +229,8 @@ public slots:
     void openLocalFolder();
     void reportBug();
     void showAboutPanel();
+    // The about panel carries no link, so there is nothing to open.
+    void openLinkedInProfile();
     // The main window is closing: the program ends.
     void windowWillClose();
 

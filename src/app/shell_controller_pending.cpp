@@ -9,19 +9,4 @@ void PerchFtpShellController::notAvailableYet(QString const& what)
     setStatusText(QStringLiteral("%1 is not available yet.").arg(what), false);
 }
 
-void PerchFtpShellController::openLocalFolder()
-{
-    notAvailableYet(QStringLiteral("The folder picker"));
-}
-
-void PerchFtpShellController::reportBug()
-{
-    notAvailableYet(QStringLiteral("Reporting bugs"));
-}
-
-void PerchFtpShellController::showAboutPanel()
-{
-    notAvailableYet(QStringLiteral("The about panel"));
-}
-
 } // namespace perchftp::app

@@ -109,7 +109,7 @@ void PerchFtpShellController::connectSession()
     announceConnectionStep(QStringLiteral("Session opened. Loading remote directory..."));
     setStatusText(QStringLiteral("Connected (%1)").arg(protocolText), false);
     refreshControlState();
-    // The empty path makes the first listing climb the root ladder.
+    // The empty path lists the login folder, with the root ladder behind it should that fail.
     remotePane_->setPathValue(QString(QLatin1String("")));
     remotePane_->refresh();
     logMessage("Connected to " + detail::qtToCpp(host));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/desktop/folder_chooser.hpp"
+
 #include <QIcon>
 #include <QString>
 #include <QStringList>
@@ -61,6 +63,10 @@ public:
 
     // The licence shown before anything else; true when the user accepts it. Declined: false.
     virtual bool acceptLicence(QString const& licenceText, QIcon const& icon);
+
+    // The desktop's folder chooser as a child process; blocks until the user closes it. Unless an
+    // implementation answers otherwise, the real chooser program runs.
+    virtual FolderChooserRun runFolderChooser(QString const& startFolder, QString const& prompt);
 
     // Transfers: an alert whose accessory is one check box, off at first. It answers as runAlert()
     // does, and `checked` receives the box's state whichever button was pressed. Declined: the

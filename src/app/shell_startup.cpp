@@ -42,7 +42,7 @@ std::optional<RunningShell> startDesktopShell(QApplication& application, std::un
     QIcon const icon = applicationIcon();
     application.setWindowIcon(icon);
     application.setApplicationDisplayName(QStringLiteral("PerchFtp"));
-    application.setDesktopFileName(QStringLiteral("perchftp"));
+    application.setDesktopFileName(QStringLiteral("org.perchftp.PerchFtp"));
     applyDarkAppearance(application);
 
     if (!passLicenceGate(*dialogs, icon)) {

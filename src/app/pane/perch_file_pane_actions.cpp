@@ -288,9 +288,16 @@ void PerchFilePaneController::openFolderClicked()
 
 QString PerchFilePaneController::chooseFolder(QString const& startFolder)
 {
-    // The desktop's own chooser process, once there is one, asks first; this dialog is the
-    // in-process route that always works.
+    // The desktop's own chooser asks first. When it gives nothing, cancelled included, the
+    // in-process dialog asks again: that second question is wanted, it is the route that always works.
     QString const title = tr("Select a local folder");
+    FolderChooserRun const run =
+        m_dialogs != nullptr ? m_dialogs->runFolderChooser(startFolder, title) : FolderChooser::run(startFolder, title);
+    if (QString const chosen = run.standardOutput.trimmed();
+        run.started && !run.crashed && run.exitStatus == 0 && !chosen.isEmpty()) {
+        return chosen;
+    }
+
     QString const existingStart = QFileInfo::exists(startFolder) ? startFolder : QString();
     QWidget* parent = m_hostView ? m_hostView->window() : nullptr;
     if (m_dialogs != nullptr) {

@@ -72,14 +72,6 @@ TEST_F(FormAndPaneRequests, SelectionsAreKeptInTheHiddenTransferFields)
     EXPECT_EQ(controller().remoteTransferField()->text(), "");
 }
 
-TEST_F(FormAndPaneRequests, ActionsOfLaterWorkflowsSayTheyAreNotAvailableYet)
-{
-    controller().reportBug();
-    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Reporting bugs is not available yet."));
-    controller().showAboutPanel();
-    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ The about panel is not available yet."));
-}
-
 TEST_F(FormAndPaneRequests, TheControllerTearsDownAnOpenSessionWithADisconnect)
 {
     int disconnects = 0;

@@ -53,9 +53,7 @@ TEST_F(FtpSessionWorkflow, ConnectingShowsEachStepAndListsTheLoginFolderUnderThe
     fillFormForServer();
     controller().connectButton()->click();
 
-    EXPECT_THAT(seen().popupMessages(),
-        ElementsAre("Resolving 127.0.0.1:" + port() + " via ftp...", "Preparing protocol adapter...",
-            "Opening session for 127.0.0.1...", "Session opened. Loading remote directory...", "Connected to 127.0.0.1."));
+    EXPECT_EQ(seen().popupMessages(), connectingSteps(QStringLiteral("ftp"), server_.port()));
     EXPECT_THAT(seen().bannerTexts(), ElementsAre("✅ Connected (ftp)", "✅ Remote listing refreshed."));
     EXPECT_EQ(controller().statusPopupTitle()->text(), "Connecting");
     EXPECT_EQ(controller().remotePane()->pathValue(), "/") << "the listing of the empty path shows itself as the root";

@@ -49,9 +49,7 @@ TEST_F(FtpsSessionWorkflow, ConnectingOverImplicitTlsShowsEachStepAndListsTheRoo
     controller().connectButton()->click();
 
     ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
-    EXPECT_THAT(seen().popupMessages(),
-        ElementsAre("Resolving 127.0.0.1:" + port + " via ftps...", "Preparing protocol adapter...",
-            "Opening session for 127.0.0.1...", "Session opened. Loading remote directory...", "Connected to 127.0.0.1."));
+    EXPECT_EQ(seen().popupMessages(), connectingSteps(QStringLiteral("ftps"), server_->port()));
     EXPECT_THAT(seen().bannerTexts(), ElementsAre("✅ Connected (ftps)", "✅ Remote listing refreshed."));
     EXPECT_THAT(remotePaths(), UnorderedElementsAre("/ledger.csv", "/secure"));
 
@@ -92,9 +90,7 @@ TEST_F(SftpSessionWorkflow, ConnectingShowsEachStepAndTheHomeFolderCanBeBrowsed)
     controller().connectButton()->click();
 
     ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
-    EXPECT_THAT(seen().popupMessages(),
-        ElementsAre("Resolving 127.0.0.1:" + port + " via sftp...", "Preparing protocol adapter...",
-            "Opening session for 127.0.0.1...", "Session opened. Loading remote directory...", "Connected to 127.0.0.1."));
+    EXPECT_EQ(seen().popupMessages(), connectingSteps(QStringLiteral("sftp"), server_->port()));
     EXPECT_THAT(seen().bannerTexts(), ElementsAre("✅ Connected (sftp)", "✅ Remote listing refreshed."));
     EXPECT_FALSE(controller().remotePane()->entries().isEmpty());
 

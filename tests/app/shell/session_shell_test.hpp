@@ -76,6 +76,14 @@ protected:
         ADD_FAILURE() << "no menu item " << itemTitle.toStdString();
     }
 
+    // The popup's messages, in order, of a connect to 127.0.0.1 that works.
+    static QStringList connectingSteps(QString const& protocol, int port)
+    {
+        return {QStringLiteral("Resolving 127.0.0.1:%1 via %2...").arg(QString::number(port), protocol),
+            QStringLiteral("Preparing protocol adapter..."), QStringLiteral("Opening session for 127.0.0.1..."),
+            QStringLiteral("Session opened. Loading remote directory..."), QStringLiteral("Connected to 127.0.0.1.")};
+    }
+
     QString banner() { return controller().statusLabel()->text(); }
     QString popupMessage()
     {

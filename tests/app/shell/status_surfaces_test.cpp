@@ -12,6 +12,7 @@
 #include <QAbstractAnimation>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 
@@ -124,7 +125,7 @@ TEST_F(StatusSurfaces, APopupOpenedWithinTheCloseDelayIsTakenAwayByTheOlderClose
 
 TEST_F(StatusSurfaces, ControlsFollowTheSessionsOwnAnswerEveryTime)
 {
-    ScriptedSession* session = installSession(true);
+    installSession(true);
     controller().refreshControlState();
     app::PerchConnectButton* button = controller().connectButton();
     EXPECT_EQ(button->text(), "Disconnect");
@@ -138,18 +139,21 @@ TEST_F(StatusSurfaces, ControlsFollowTheSessionsOwnAnswerEveryTime)
     EXPECT_EQ(controller().connectionStatusLight()->color(), app::systemGreenColor());
 
     button->click();
-    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Disconnecting is not available yet."))
+    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Disconnected."))
         << "connected, the one button disconnects";
+    EXPECT_EQ(controller().session(), nullptr);
 
-    session->connected = false;
+    // A session that says it is no longer connected: the button connects again.
+    installSession(false);
     controller().refreshControlState();
     EXPECT_EQ(button->text(), "Connect");
     EXPECT_EQ(button->pulseColor(), app::systemGreenColor());
     EXPECT_FALSE(controller().refreshButton()->isEnabled());
     EXPECT_EQ(controller().connectionStatusText()->text(), "Disconnected");
     EXPECT_EQ(controller().connectionStatusLight()->color(), app::systemRedColor());
+    controller().hostField()->clear();
     button->click();
-    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("✅ Connecting is not available yet."));
+    EXPECT_EQ(controller().statusLabel()->text(), QStringLiteral("⚠️ Host and port are required to connect."));
 }
 
 TEST_F(StatusSurfaces, TheConnectButtonPulsesInBothStatesAndARestartReplacesThePulse)

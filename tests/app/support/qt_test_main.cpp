@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QByteArray>
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -21,6 +22,12 @@ void isolateUserFolders(QTemporaryDir const& root)
     place("XDG_DATA_HOME", "data");
     place("XDG_CONFIG_HOME", "config");
     place("XDG_CACHE_HOME", "cache");
+    place("XDG_RUNTIME_DIR", "runtime");
+    QFile::setPermissions(root.path() + "/runtime", QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    // No display for child processes either: a folder chooser a test did not replace must fail at
+    // once instead of waiting for a user.
+    ::unsetenv("DISPLAY");
+    ::unsetenv("WAYLAND_DISPLAY");
     if (!std::getenv("PERCHFTP_INSTALL_TRACKING_URL")) {
         ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "http://127.0.0.1:9/api/install-events.php", 1);
     }
