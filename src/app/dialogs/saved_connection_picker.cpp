@@ -47,15 +47,15 @@ SavedConnectionAnswer runSavedConnectionPicker(QWidget* parent, QStringList cons
     list->setCurrentRow(0);
     alert.setAccessory(list);
 
-    struct ButtonSpec {
+    struct PickerButton {
         char const* title;
         char const* symbol;
     };
-    for (ButtonSpec spec : {ButtonSpec{"Open", "arrow.up.right.square"}, ButtonSpec{"Edit", "pencil"},
-             ButtonSpec{"Delete", "trash"}, ButtonSpec{"Cancel", nullptr}}) {
-        QPushButton* button = alert.addButton(QString::fromLatin1(spec.title));
-        if (spec.symbol) {
-            button->setIcon(themedIcon(QString::fromLatin1(spec.symbol)));
+    for (PickerButton choice : {PickerButton{"Open", "arrow.up.right.square"}, PickerButton{"Edit", "pencil"},
+             PickerButton{"Delete", "trash"}, PickerButton{"Cancel", nullptr}}) {
+        QPushButton* button = alert.addButton(QString::fromLatin1(choice.title));
+        if (choice.symbol) {
+            button->setIcon(themedIcon(QString::fromLatin1(choice.symbol)));
         }
     }
     QObject::connect(list, &QListWidget::itemDoubleClicked, &alert, [&alert] { alert.done(kFirstAlertButton); });

@@ -64,10 +64,10 @@ int symbolicBits(char c, std::size_t position)
     }
 }
 
-int parseSymbolic(std::string text)
+int parseSymbolic(std::string_view text)
 {
     if (text.size() >= kSymbolicLength + 1 && kTypeCharacters.find(text.front()) != std::string_view::npos) {
-        text.erase(0, 1);
+        text.remove_prefix(1);
     }
     if (text.size() != kSymbolicLength) {
         return kRefused;
@@ -100,7 +100,7 @@ int parsePermissionMode(QString const& text)
     if (std::all_of(bytes.begin(), bytes.end(), isOctalDigit)) {
         return parseOctal(bytes);
     }
-    return parseSymbolic(std::move(bytes));
+    return parseSymbolic(bytes);
 }
 
 QString permissionDisplayFromModeString(QString const& text)
