@@ -43,10 +43,8 @@ bool PerchFtpShellController::remotePathExists(std::string const& path, bool* is
         return false;
     }
     fs::path const remote(path);
-    std::string parent = remote.parent_path().generic_string();
-    if (parent.empty()) {
-        parent = "/";
-    }
+    std::string const parentPath = remote.parent_path().generic_string();
+    std::string const parent = parentPath.empty() ? std::string("/") : parentPath;
     std::string name = remote.filename().generic_string();
     if (name.empty()) {
         name = remote.stem().generic_string();
