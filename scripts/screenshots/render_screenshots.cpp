@@ -1,24 +1,33 @@
 // Starts the real shell the way the program does and saves what the screen shows: the splash
-// while it is up, the main window once the splash timer has brought it to the front, and the
-// connection popup over it. Before all that, the licence question of a first start.
+// while it is up, the main window connected to a loopback FTP server after a few real transfers,
+// and the connection popup over it. Before all that, the licence question of a first start.
 // Run it through scripts/render-screenshots, which gives it an X server and fresh user folders.
 #include "app/pane/perch_file_pane_controller.hpp"
+#include "app/pane/perch_pane_table_model.hpp"
+#include "app/pane/perch_pane_table_view.hpp"
 #include "app/app_icons.hpp"
 #include "app/dark_appearance.hpp"
 #include "app/shell_paths.hpp"
 #include "app/shell_startup.hpp"
 #include "storage/persistent_store.hpp"
+#include "support/servers/ftp_test_server.hpp"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QItemSelectionModel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QPixmap>
 #include <QScreen>
 #include <QTimer>
 
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
 
 namespace {
 
@@ -38,18 +47,38 @@ bool saveScreenArea(QWidget const* window, QString const& path)
     return shot.save(path);
 }
 
-// One saved connection whose local root is the demo folder, so that start-up loads it.
-void saveDemoConnection(QString const& localRoot)
+void writeBytes(std::filesystem::path const& path, std::size_t size)
+{
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << std::string(size, 'x');
+}
+
+// What the loopback server holds before the window connects to it.
+void fillServer(perchftp::test::FtpTestServer const& server)
+{
+    for (char const* folder : {"/public_html/assets", "/public_html/css", "/backups", "/logs"}) {
+        std::filesystem::create_directories(server.local(folder));
+    }
+    writeBytes(server.local("/public_html/index.html"), 14'336);
+    writeBytes(server.local("/public_html/robots.txt"), 68);
+    writeBytes(server.local("/public_html/visitors-2026-10.csv"), 2'621'440);
+    writeBytes(server.local("/backups/site-2026-11-01.tar.gz"), 48'234'496);
+    writeBytes(server.local("/logs/access.log"), 905'216);
+}
+
+// One saved connection to the loopback server whose local root is the demo folder, so that
+// start-up loads it.
+void saveDemoConnection(perchftp::test::FtpTestServer const& server, QString const& localRoot)
 {
     perchftp::storage::SiteProfile profile;
     profile.id = 1;
-    profile.name = "Demo server";
-    profile.protocol = "sftp";
-    profile.host = "demo.example.org";
-    profile.port = 22;
-    profile.user = "demo";
+    profile.name = "Website (staging)";
+    profile.protocol = "ftp";
+    profile.host = "127.0.0.1";
+    profile.port = server.port();
+    profile.user = server.user();
     profile.localRoot = localRoot.toStdString();
-    profile.remoteRoot = "/var/www";
+    profile.remoteRoot = "/public_html";
     profile.quickConnect = true;
     perchftp::storage::Snapshot snapshot;
     snapshot.profiles.push_back(profile);
@@ -85,20 +114,43 @@ bool renderLicenceGate(QString const& path)
     return saved;
 }
 
-void fillDemoQueue(perchftp::app::PerchFtpShellController& controller)
+void selectRows(perchftp::app::PerchFilePaneController& pane, QStringList const& names)
 {
-    auto& service = controller.transferQueue();
-    auto& queue = service.queue();
-    using perchftp::transfer::JobType;
-    auto const done = service.enqueue(JobType::Upload, "sftp", "/home/demo/site/index.html", "/var/www/index.html", 1, 3);
-    queue.simulateProgress(done, 18432, 18432);
-    queue.complete(done, true, "");
-    auto const running = service.enqueue(JobType::Download, "sftp", "/home/demo/backup.tar.gz", "/srv/backup.tar.gz", 1, 3);
-    queue.simulateProgress(running, 640, 1000);
-    auto const failed = service.enqueue(JobType::Upload, "sftp", "/home/demo/photos/", "/srv/photos", 1, 3);
-    queue.simulateProgress(failed, 150, 1000);
-    queue.complete(failed, false, "sftp: connection reset");
-    controller.reloadQueueSummary();
+    pane.refresh();
+    QItemSelectionModel* selection = pane.tableView()->selectionModel();
+    selection->clearSelection();
+    auto const& rows = pane.model()->entries();
+    for (int row = 0; row < int(rows.size()); ++row) {
+        if (names.contains(rows[row].name)) {
+            selection->select(pane.model()->index(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        }
+    }
+}
+
+// Connects through the form as a user does, opens the site's folder and moves a few files both
+// ways; one upload is refused by the server so that the queue shows a failure too.
+void connectAndTransfer(perchftp::app::PerchFtpShellController& controller, perchftp::test::FtpTestServer& server)
+{
+    controller.protocolField()->setCurrentText(QStringLiteral("ftp"));
+    controller.hostField()->setText(QStringLiteral("127.0.0.1"));
+    controller.portField()->setText(QString::number(server.port()));
+    controller.userField()->setText(QString::fromStdString(server.user()));
+    controller.secretField()->setText(QString::fromStdString(server.password()));
+    controller.connectSession();
+    waitFor(900);
+    controller.remotePane()->setPathValue(QStringLiteral("/public_html/"));
+    controller.refreshRemoteDirectory();
+
+    selectRows(*controller.localPane(), {QStringLiteral("about.html"), QStringLiteral("contact.html")});
+    controller.centerUploadAction();
+    selectRows(*controller.remotePane(), {QStringLiteral("visitors-2026-10.csv")});
+    controller.centerDownloadAction();
+    server.setReply("STOR", "553 Could not create file.");
+    selectRows(*controller.localPane(), {QStringLiteral("sitemap.xml")});
+    controller.centerUploadAction();
+    server.clearReplies();
+    selectRows(*controller.localPane(), {QStringLiteral("index.html")});
+    controller.refreshRemoteDirectory();
 }
 
 } // namespace
@@ -112,7 +164,9 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QString const output = QString::fromLocal8Bit(argv[1]);
     QDir().mkpath(output);
-    saveDemoConnection(QString::fromLocal8Bit(argv[2]));
+    perchftp::test::FtpTestServer server;
+    fillServer(server);
+    saveDemoConnection(server, QString::fromLocal8Bit(argv[2]));
     perchftp::app::applyDarkAppearance(application);
     bool ok = renderLicenceGate(output + QStringLiteral("/licence.png"));
 
@@ -126,12 +180,12 @@ int main(int argc, char** argv)
 
     waitFor(1500);
     auto& controller = *shell->controller;
-    fillDemoQueue(controller);
+    connectAndTransfer(controller, server);
     waitFor(900);
     ok = saveScreenArea(controller.hostWindow(), output + QStringLiteral("/main-window.png")) && ok;
 
     controller.showConnectionPopupWithTitle(
-        QStringLiteral("Connecting"), QStringLiteral("Resolving demo.example.org:22 via sftp..."));
+        QStringLiteral("Connecting"), QStringLiteral("Resolving 127.0.0.1:%1 via ftp...").arg(server.port()));
     waitFor(400);
     ok = controller.statusPopupWindow()->grab().save(output + QStringLiteral("/connection-popup.png")) && ok;
     return ok ? 0 : 1;

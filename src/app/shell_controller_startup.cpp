@@ -14,21 +14,9 @@
 #include <QMenuBar>
 #include <QWidget>
 
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 
 namespace perchftp::app {
-
-namespace {
-
-std::string environmentText(char const* name)
-{
-    char const* value = std::getenv(name);
-    return value ? std::string(value) : std::string();
-}
-
-} // namespace
 
 PerchFtpShellController::PerchFtpShellController(std::unique_ptr<ShellDialogs> dialogs, QObject* parent)
     : QObject(parent)
@@ -82,19 +70,8 @@ bool PerchFtpShellController::isConnected() const
 // Its one line goes to standard error and nowhere else.
 void PerchFtpShellController::runInstallTracker() const
 {
-    std::string endpoint = environmentText("PERCHFTP_INSTALL_TRACKING_URL");
-    if (endpoint.empty()) {
-        endpoint = platform::kDefaultInstallTrackingEndpoint;
-    }
-    platform::InstallTrackerConfig config;
-    config.statePath = detail::qtToCpp(QDir(baseFolder_).filePath(QString::fromLatin1(kTrackerStateName)));
-    config.endpoint = endpoint;
-    config.appVersion = core::version();
-    config.platform = "linux";
-    config.installSource = environmentText("PERCHFTP_INSTALL_SOURCE");
-    config.heartbeatInterval = std::chrono::hours(72);
-
-    platform::InstallTracker tracker(std::move(config));
+    platform::InstallTracker tracker(platform::installTrackerConfigFromEnvironment(
+        detail::qtToCpp(QDir(baseFolder_).filePath(QString::fromLatin1(kTrackerStateName))), core::version()));
     std::string const line = tracker.sync() ? "Install tracking ready (" + tracker.installId() + ")"
                                             : "Install tracking skipped: " + tracker.lastError();
     std::fprintf(stderr, "[PerchFtp] %s\n", line.c_str());
