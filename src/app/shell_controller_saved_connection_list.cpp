@@ -29,8 +29,7 @@ void PerchFtpShellController::openSavedConnection()
         return;
     }
 
-    SavedConnectionAnswer const answer
-        = dialogs_->chooseSavedConnection(hostWindow_, savedConnectionRowTexts(items), appIconImage());
+    SavedConnectionAnswer const answer = dialogs_->chooseSavedConnection(hostWindow_, items, appIconImage());
     if (answer.button == kCancelButton) {
         setStatusText(QStringLiteral("Open saved connection canceled."), false);
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/desktop/folder_chooser.hpp"
+#include "app/saved_connection_items.hpp"
 
 #include <QIcon>
 #include <QString>
@@ -53,9 +54,10 @@ public:
     virtual std::optional<QString> askForText(QWidget* parent, QString const& title, QString const& message,
         QString const& value, QString const& placeholder, QIcon const& icon);
 
-    // The list of saved connections, one display line per connection, with row 0 selected first.
+    // The list of saved connections, one line per item, with row 0 selected first.
     // Declined: "Cancel".
-    virtual SavedConnectionAnswer chooseSavedConnection(QWidget* parent, QStringList const& rows, QIcon const& icon);
+    virtual SavedConnectionAnswer chooseSavedConnection(
+        QWidget* parent, std::vector<SavedConnectionItem> const& items, QIcon const& icon);
 
     // The bug-report editor, filled with the template. The edited text after "Submit"; empty
     // optional after "Cancel".

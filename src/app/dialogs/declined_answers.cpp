@@ -16,7 +16,8 @@ std::optional<QString> ShellDialogs::askForText(QWidget*, QString const&, QStrin
     return std::nullopt;
 }
 
-SavedConnectionAnswer ShellDialogs::chooseSavedConnection(QWidget*, QStringList const&, QIcon const&)
+SavedConnectionAnswer ShellDialogs::chooseSavedConnection(
+    QWidget*, std::vector<SavedConnectionItem> const&, QIcon const&)
 {
     return SavedConnectionAnswer{};
 }

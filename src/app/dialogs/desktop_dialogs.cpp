@@ -76,9 +76,10 @@ public:
         return field->text();
     }
 
-    SavedConnectionAnswer chooseSavedConnection(QWidget* parent, QStringList const& rows, QIcon const& icon) override
+    SavedConnectionAnswer chooseSavedConnection(
+        QWidget* parent, std::vector<SavedConnectionItem> const& items, QIcon const& icon) override
     {
-        return runSavedConnectionPicker(parent, rows, icon);
+        return runSavedConnectionPicker(parent, items, icon);
     }
 
     std::optional<QString> editBugReport(QWidget* parent, QString const& templateText, QIcon const& icon) override

@@ -1,4 +1,5 @@
 #include "app/dialogs/saved_connection_picker.hpp"
+#include "app/dialogs/saved_connection_table.hpp"
 #include "app/shell_dialogs.hpp"
 
 #include <gtest/gtest.h>
@@ -6,7 +7,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -42,53 +42,68 @@ QPushButton* buttonTitled(QWidget* dialog, QString const& title)
     return nullptr;
 }
 
-QStringList const kRows{QStringLiteral("Home    ada    home.example"), QStringLiteral("Work    work.example"),
-    QStringLiteral("Backup    backup.example")};
+std::vector<SavedConnectionItem> const kItems{{1, "Home", "ftp", "home.example", "ada", "", 21, "", ""},
+    {2, "Work", "sftp", "work.example", "", "", 22, "", ""}, {3, "Backup", "ftp", "backup.example", "", "", 21, "", ""}};
+
+PerchSavedConnectionTableView* tableIn(QWidget* dialog)
+{
+    return dialog->findChild<PerchSavedConnectionTableView*>();
+}
+
+QPoint rowCentre(PerchSavedConnectionTableView* table, int row)
+{
+    return table->visualRect(table->model()->index(row, 0)).center();
+}
 
 TEST(SavedConnectionPicker, EscapeAnswersCancel)
 {
     whenModalAppears([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kRows, QIcon());
+    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kItems, QIcon());
     EXPECT_EQ(answer.button, kFirstAlertButton + 3);
 }
 
 TEST(SavedConnectionPicker, TheKeyboardMovesTheHighlightButOpenStillActsOnTheFirstRow)
 {
     whenModalAppears([](QWidget* dialog) {
-        auto* list = dialog->findChild<QListWidget*>();
-        list->setFocus();
-        QTest::keyClick(list, Qt::Key_Down);
-        QTest::keyClick(list, Qt::Key_Down);
-        EXPECT_EQ(list->currentRow(), 2);
+        auto* table = tableIn(dialog);
+        EXPECT_EQ(table->model()->data(table->model()->index(0, 0)).toString(), "Home    ada    home.example");
+        EXPECT_EQ(table->model()->data(table->model()->index(1, 0)).toString(), "Work    work.example");
+        table->setFocus();
+        QTest::keyClick(table, Qt::Key_Down);
+        QTest::keyClick(table, Qt::Key_Down);
+        EXPECT_EQ(table->selectedRow(), 2);
         buttonTitled(dialog, QStringLiteral("Open"))->click();
     });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kRows, QIcon());
+    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kItems, QIcon());
     EXPECT_EQ(answer.button, kFirstAlertButton);
     EXPECT_EQ(answer.row, 0);
 }
 
-TEST(SavedConnectionPicker, AMousePressChoosesTheRowForEveryButton)
+TEST(SavedConnectionPicker, ALeftOrRightPressChoosesTheRowForEveryButtonAndEmptySpaceDoesNot)
 {
-    whenModalAppears([](QWidget* dialog) {
-        auto* list = dialog->findChild<QListWidget*>();
-        QRect const row = list->visualItemRect(list->item(1));
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
-        buttonTitled(dialog, QStringLiteral("Delete"))->click();
-    });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kRows, QIcon());
-    EXPECT_EQ(answer.button, kFirstAlertButton + 2);
-    EXPECT_EQ(answer.row, 1);
+    for (Qt::MouseButton const pressed : {Qt::LeftButton, Qt::RightButton}) {
+        whenModalAppears([pressed](QWidget* dialog) {
+            auto* table = tableIn(dialog);
+            QTest::mouseClick(table->viewport(), pressed, {}, rowCentre(table, 1));
+            EXPECT_EQ(table->selectedRow(), 1);
+            QTest::mouseClick(table->viewport(), pressed, {}, QPoint(10, 170));
+            buttonTitled(dialog, QStringLiteral("Delete"))->click();
+        });
+        SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kItems, QIcon());
+        EXPECT_EQ(answer.button, kFirstAlertButton + 2);
+        EXPECT_EQ(answer.row, 1) << "button " << int(pressed);
+    }
 }
 
 TEST(SavedConnectionPicker, ADoubleClickOpensThatRow)
 {
     whenModalAppears([](QWidget* dialog) {
-        auto* list = dialog->findChild<QListWidget*>();
-        QPoint const centre = list->visualItemRect(list->item(2)).center();
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, centre);
-        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, centre);
+        auto* table = tableIn(dialog);
+        QPoint const centre = rowCentre(table, 2);
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, centre);
+        QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, centre);
     });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kRows, QIcon());
+    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kItems, QIcon());
     EXPECT_EQ(answer.button, kFirstAlertButton);
     EXPECT_EQ(answer.row, 2);
 }

@@ -23,9 +23,10 @@ public:
     {
         return script_.askForText(parent, title, message, value, placeholder, icon);
     }
-    app::SavedConnectionAnswer chooseSavedConnection(QWidget* parent, QStringList const& rows, QIcon const& icon) override
+    app::SavedConnectionAnswer chooseSavedConnection(
+        QWidget* parent, std::vector<app::SavedConnectionItem> const& items, QIcon const& icon) override
     {
-        return script_.chooseSavedConnection(parent, rows, icon);
+        return script_.chooseSavedConnection(parent, items, icon);
     }
     std::optional<QString> editBugReport(QWidget* parent, QString const& templateText, QIcon const& icon) override
     {
@@ -84,9 +85,10 @@ std::optional<QString> ScriptedShellDialogs::askForText(QWidget*, QString const&
     return answer && answer->given ? std::optional<QString>(answer->text) : std::nullopt;
 }
 
-app::SavedConnectionAnswer ScriptedShellDialogs::chooseSavedConnection(QWidget*, QStringList const& rows, QIcon const&)
+app::SavedConnectionAnswer ScriptedShellDialogs::chooseSavedConnection(
+    QWidget*, std::vector<app::SavedConnectionItem> const& items, QIcon const&)
 {
-    return next<app::SavedConnectionAnswer>({QStringLiteral("savedConnection"), {}, {}, rows})
+    return next<app::SavedConnectionAnswer>({QStringLiteral("savedConnection"), {}, {}, app::savedConnectionRowTexts(items)})
         .value_or(app::SavedConnectionAnswer{});
 }
 

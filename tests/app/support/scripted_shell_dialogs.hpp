@@ -55,7 +55,8 @@ public:
     int runAlert(QWidget*, app::AlertRequest const& request) override;
     std::optional<QString> askForText(QWidget*, QString const& title, QString const& message, QString const& value,
         QString const& placeholder, QIcon const&) override;
-    app::SavedConnectionAnswer chooseSavedConnection(QWidget*, QStringList const& rows, QIcon const&) override;
+    app::SavedConnectionAnswer chooseSavedConnection(
+        QWidget*, std::vector<app::SavedConnectionItem> const& items, QIcon const&) override;
     std::optional<QString> editBugReport(QWidget*, QString const& templateText, QIcon const&) override;
     bool acceptLicence(QString const& licenceText, QIcon const&) override;
     int runAlertWithCheckBox(QWidget*, app::AlertRequest const& request, QString const& checkBoxTitle,
