@@ -5,11 +5,11 @@
 // Usage: transfer_bench [megabytes] [earlier jobs]   (defaults 1024 and 500)
 #include "app/shell_controller.hpp"
 #include "app/shell_startup.hpp"
+#include "app/support/ftp_connection_form.hpp"
 #include "support/servers/child_process.hpp"
 #include "support/servers/ftp_test_server.hpp"
 
 #include <QApplication>
-#include <QComboBox>
 #include <QLineEdit>
 
 #include <algorithm>
@@ -101,11 +101,7 @@ void startConnected(QApplication& application, test::FtpTestServer const& server
     }
     shell = std::move(*started);
     app::PerchFtpShellController& controller = *shell.controller;
-    controller.protocolField()->setCurrentText(QStringLiteral("ftp"));
-    controller.hostField()->setText(QStringLiteral("127.0.0.1"));
-    controller.portField()->setText(QString::number(server.port()));
-    controller.userField()->setText(QString::fromStdString(server.user()));
-    controller.secretField()->setText(QString::fromStdString(server.password()));
+    test::fillFtpConnectionForm(controller, server);
     controller.connectSession();
     if (!controller.isConnected()) {
         std::fprintf(stderr, "could not connect\n");

@@ -10,15 +10,14 @@
 #include "app/shell_paths.hpp"
 #include "app/shell_startup.hpp"
 #include "storage/persistent_store.hpp"
+#include "app/support/ftp_connection_form.hpp"
 #include "support/servers/ftp_test_server.hpp"
 
 #include <QApplication>
-#include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QItemSelectionModel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QPixmap>
 #include <QScreen>
@@ -131,11 +130,7 @@ void selectRows(perchftp::app::PerchFilePaneController& pane, QStringList const&
 // ways; one upload is refused by the server so that the queue shows a failure too.
 void connectAndTransfer(perchftp::app::PerchFtpShellController& controller, perchftp::test::FtpTestServer& server)
 {
-    controller.protocolField()->setCurrentText(QStringLiteral("ftp"));
-    controller.hostField()->setText(QStringLiteral("127.0.0.1"));
-    controller.portField()->setText(QString::number(server.port()));
-    controller.userField()->setText(QString::fromStdString(server.user()));
-    controller.secretField()->setText(QString::fromStdString(server.password()));
+    perchftp::test::fillFtpConnectionForm(controller, server);
     controller.connectSession();
     waitFor(900);
     controller.remotePane()->setPathValue(QStringLiteral("/public_html/"));
