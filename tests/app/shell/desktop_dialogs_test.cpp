@@ -3,11 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -31,103 +29,93 @@ void whenModalAppears(std::function<void(QWidget*)> step)
     poll->start(10);
 }
 
-QPushButton* buttonTitled(QWidget* dialog, QString const& title)
+void click(QWidget* dialog, QString const& title)
 {
     for (auto* button : dialog->findChildren<QPushButton*>()) {
         if (button->text() == title) {
-            return button;
+            return button->click();
         }
     }
     ADD_FAILURE() << "no button " << title.toStdString();
-    return nullptr;
 }
 
-QStringList const kRows{QStringLiteral("Home    ada    home.example"), QStringLiteral("Work    work.example"),
-    QStringLiteral("Backup    backup.example")};
-
-TEST(SavedConnectionPicker, EscapeAnswersCancel)
+// Presses the row with the mouse, as a user picks it.
+void pressRow(QListWidget* list, int row, bool twice = false)
 {
-    whenModalAppears([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kRows, QIcon());
-    EXPECT_EQ(answer.button, kFirstAlertButton + 3);
-}
-
-TEST(SavedConnectionPicker, TheKeyboardMovesTheHighlightButOpenStillActsOnTheFirstRow)
-{
-    whenModalAppears([](QWidget* dialog) {
-        auto* list = dialog->findChild<QListWidget*>();
-        list->setFocus();
-        QTest::keyClick(list, Qt::Key_Down);
-        QTest::keyClick(list, Qt::Key_Down);
-        EXPECT_EQ(list->currentRow(), 2);
-        buttonTitled(dialog, QStringLiteral("Open"))->click();
-    });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kRows, QIcon());
-    EXPECT_EQ(answer.button, kFirstAlertButton);
-    EXPECT_EQ(answer.row, 0);
-}
-
-TEST(SavedConnectionPicker, AMousePressChoosesTheRowForEveryButton)
-{
-    whenModalAppears([](QWidget* dialog) {
-        auto* list = dialog->findChild<QListWidget*>();
-        QRect const row = list->visualItemRect(list->item(1));
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
-        buttonTitled(dialog, QStringLiteral("Delete"))->click();
-    });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kRows, QIcon());
-    EXPECT_EQ(answer.button, kFirstAlertButton + 2);
-    EXPECT_EQ(answer.row, 1);
-}
-
-TEST(SavedConnectionPicker, ADoubleClickOpensThatRow)
-{
-    whenModalAppears([](QWidget* dialog) {
-        auto* list = dialog->findChild<QListWidget*>();
-        QPoint const centre = list->visualItemRect(list->item(2)).center();
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, centre);
+    QPoint const centre = list->visualItemRect(list->item(row)).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, centre);
+    if (twice) {
         QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, centre);
-    });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kRows, QIcon());
-    EXPECT_EQ(answer.button, kFirstAlertButton);
-    EXPECT_EQ(answer.row, 2);
+    }
 }
 
-TEST(DesktopDialogs, AnAlertAnswersWithTheIndexOfTheButtonFromOneThousand)
+TEST(SavedConnectionPicker, AnswersWithTheButtonAndTheRowLastPressedWithTheMouse)
+{
+    struct Row {
+        char const* what;
+        std::function<void(QWidget*, QListWidget*)> step;
+        int button;
+        int row;
+    } const rows[] = {
+        {"Escape is Cancel", [](QWidget* dialog, QListWidget*) { QTest::keyClick(dialog, Qt::Key_Escape); },
+            kFirstAlertButton + 3, -1},
+        {"the keyboard moves the highlight but Open acts on row 0",
+            [](QWidget* dialog, QListWidget* list) {
+                list->setFocus();
+                QTest::keyClick(list, Qt::Key_Down);
+                QTest::keyClick(list, Qt::Key_Down);
+                EXPECT_EQ(list->currentRow(), 2);
+                click(dialog, QStringLiteral("Open"));
+            },
+            kFirstAlertButton, 0},
+        {"a mouse press chooses the row for every button",
+            [](QWidget* dialog, QListWidget* list) {
+                pressRow(list, 1);
+                click(dialog, QStringLiteral("Delete"));
+            },
+            kFirstAlertButton + 2, 1},
+        {"a double click opens that row", [](QWidget*, QListWidget* list) { pressRow(list, 2, true); }, kFirstAlertButton, 2},
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.what);
+        whenModalAppears([&](QWidget* dialog) { row.step(dialog, dialog->findChild<QListWidget*>()); });
+        SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr,
+            {QStringLiteral("Home    ada    home.example"), QStringLiteral("Work    work.example"),
+                QStringLiteral("Backup    backup.example")},
+            QIcon());
+        EXPECT_EQ(answer.button, row.button);
+        if (row.row >= 0) {
+            EXPECT_EQ(answer.row, row.row);
+        }
+    }
+}
+
+TEST(DesktopDialogs, AlertsTextPromptsAndTheLicenceAnswerWithWhatWasPressed)
 {
     auto dialogs = createDesktopDialogs();
-    whenModalAppears([](QWidget* dialog) { buttonTitled(dialog, QStringLiteral("Skip"))->click(); });
+    whenModalAppears([](QWidget* dialog) { click(dialog, QStringLiteral("Skip")); });
     AlertRequest request;
     request.messageText = QStringLiteral("File exists");
     request.buttons = {QStringLiteral("Replace"), QStringLiteral("Skip"), QStringLiteral("Cancel")};
-    EXPECT_EQ(dialogs->runAlert(nullptr, request), kFirstAlertButton + 1);
-}
+    EXPECT_EQ(dialogs->runAlert(nullptr, request), kFirstAlertButton + 1) << "counted from 1000";
 
-TEST(DesktopDialogs, ATextPromptGivesTheTypedTextOnOkAndNothingOnCancel)
-{
-    auto dialogs = createDesktopDialogs();
     whenModalAppears([](QWidget* dialog) {
         auto* field = dialog->findChild<QLineEdit*>();
         EXPECT_EQ(field->text(), "example.org");
         EXPECT_EQ(field->placeholderText(), "My Server");
         field->setText(QStringLiteral("  Production  "));
-        buttonTitled(dialog, QStringLiteral("OK"))->click();
+        click(dialog, QStringLiteral("OK"));
     });
     EXPECT_EQ(dialogs->askForText(nullptr, QStringLiteral("Save Connection"), QStringLiteral("Enter a saved connection name."),
                   QStringLiteral("example.org"), QStringLiteral("My Server"), QIcon()),
         std::optional<QString>(QStringLiteral("  Production  ")));
-
-    whenModalAppears([](QWidget* dialog) { buttonTitled(dialog, QStringLiteral("Cancel"))->click(); });
+    whenModalAppears([](QWidget* dialog) { click(dialog, QStringLiteral("Cancel")); });
     EXPECT_EQ(dialogs->askForText(nullptr, QStringLiteral("Rename"), QString(), QStringLiteral("a"), QString(), QIcon()),
         std::nullopt);
-}
 
-TEST(DesktopDialogs, TheLicenceIsAcceptedOnlyWithAccept)
-{
-    auto dialogs = createDesktopDialogs();
-    whenModalAppears([](QWidget* dialog) { buttonTitled(dialog, QStringLiteral("Decline"))->click(); });
+    whenModalAppears([](QWidget* dialog) { click(dialog, QStringLiteral("Decline")); });
     EXPECT_FALSE(dialogs->acceptLicence(QStringLiteral("terms"), QIcon()));
-    whenModalAppears([](QWidget* dialog) { buttonTitled(dialog, QStringLiteral("Accept"))->click(); });
+    whenModalAppears([](QWidget* dialog) { click(dialog, QStringLiteral("Accept")); });
     EXPECT_TRUE(dialogs->acceptLicence(QStringLiteral("terms"), QIcon()));
 }
 
