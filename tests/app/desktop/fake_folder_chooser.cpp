@@ -60,11 +60,6 @@ void FakeFolderChooser::crashWith(char const* signalName)
     qputenv("FAKE_CHOOSER_SIGNAL", signalName);
 }
 
-bool FakeFolderChooser::wasRun() const
-{
-    return std::filesystem::exists(dir_.file("args"));
-}
-
 QStringList FakeFolderChooser::arguments() const
 {
     return QString::fromStdString(readFile(dir_.file("args"))).split(QLatin1Char('\n'), Qt::SkipEmptyParts);

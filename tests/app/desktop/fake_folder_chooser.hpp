@@ -26,7 +26,7 @@ public:
     void answer(QByteArray const& output, QByteArray const& error = {}, int exitStatus = 0);
     void crashWith(char const* signalName);
 
-    bool wasRun() const;
+    // The arguments of the last run, one a line; none before the first.
     QStringList arguments() const;
     std::filesystem::path bin() const { return dir_.path() / "bin"; }
 

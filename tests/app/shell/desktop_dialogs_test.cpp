@@ -4,10 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -31,118 +29,105 @@ void whenModalAppears(std::function<void(QWidget*)> step)
     poll->start(10);
 }
 
-QPushButton* buttonTitled(QWidget* dialog, QString const& title)
+void click(QWidget* dialog, QString const& title)
 {
     for (auto* button : dialog->findChildren<QPushButton*>()) {
         if (button->text() == title) {
-            return button;
+            return button->click();
         }
     }
     ADD_FAILURE() << "no button " << title.toStdString();
-    return nullptr;
 }
 
-std::vector<SavedConnectionItem> const kItems{{1, "Home", "ftp", "home.example", "ada", "", 21, "", ""},
-    {2, "Work", "sftp", "work.example", "", "", 22, "", ""}, {3, "Backup", "ftp", "backup.example", "", "", 21, "", ""}};
-
-PerchSavedConnectionTableView* tableIn(QWidget* dialog)
+// Presses the row with the mouse, as a user picks it; row -1 is the empty space under the rows.
+void pressRow(PerchSavedConnectionTableView* table, int row, Qt::MouseButton button = Qt::LeftButton)
 {
-    return dialog->findChild<PerchSavedConnectionTableView*>();
+    QPoint const where = row < 0 ? QPoint(10, 170) : table->visualRect(table->model()->index(row, 0)).center();
+    QTest::mouseClick(table->viewport(), button, {}, where);
 }
 
-QPoint rowCentre(PerchSavedConnectionTableView* table, int row)
+TEST(SavedConnectionPicker, AnswersWithTheButtonAndTheRowLastPressedWithTheMouse)
 {
-    return table->visualRect(table->model()->index(row, 0)).center();
-}
-
-TEST(SavedConnectionPicker, EscapeAnswersCancel)
-{
-    whenModalAppears([](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kItems, QIcon());
-    EXPECT_EQ(answer.button, kFirstAlertButton + 3);
-}
-
-TEST(SavedConnectionPicker, TheKeyboardMovesTheHighlightButOpenStillActsOnTheFirstRow)
-{
-    whenModalAppears([](QWidget* dialog) {
-        auto* table = tableIn(dialog);
-        EXPECT_EQ(table->model()->data(table->model()->index(0, 0)).toString(), "Home    ada    home.example");
-        EXPECT_EQ(table->model()->data(table->model()->index(1, 0)).toString(), "Work    work.example");
-        table->setFocus();
-        QTest::keyClick(table, Qt::Key_Down);
-        QTest::keyClick(table, Qt::Key_Down);
-        EXPECT_EQ(table->selectedRow(), 2);
-        buttonTitled(dialog, QStringLiteral("Open"))->click();
-    });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kItems, QIcon());
-    EXPECT_EQ(answer.button, kFirstAlertButton);
-    EXPECT_EQ(answer.row, 0);
-}
-
-TEST(SavedConnectionPicker, ALeftOrRightPressChoosesTheRowForEveryButtonAndEmptySpaceDoesNot)
-{
-    for (Qt::MouseButton const pressed : {Qt::LeftButton, Qt::RightButton}) {
-        whenModalAppears([pressed](QWidget* dialog) {
-            auto* table = tableIn(dialog);
-            QTest::mouseClick(table->viewport(), pressed, {}, rowCentre(table, 1));
-            EXPECT_EQ(table->selectedRow(), 1);
-            QTest::mouseClick(table->viewport(), pressed, {}, QPoint(10, 170));
-            buttonTitled(dialog, QStringLiteral("Delete"))->click();
-        });
-        SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kItems, QIcon());
-        EXPECT_EQ(answer.button, kFirstAlertButton + 2);
-        EXPECT_EQ(answer.row, 1) << "button " << int(pressed);
+    struct Row {
+        char const* what;
+        std::function<void(QWidget*, PerchSavedConnectionTableView*)> step;
+        int button;
+        int row;
+    } const rows[] = {
+        {"Escape is Cancel",
+            [](QWidget* dialog, PerchSavedConnectionTableView*) { QTest::keyClick(dialog, Qt::Key_Escape); },
+            kFirstAlertButton + 3, -1},
+        {"the keyboard moves the highlight but Open acts on row 0",
+            [](QWidget* dialog, PerchSavedConnectionTableView* table) {
+                EXPECT_EQ(table->model()->data(table->model()->index(0, 0)).toString(), "Home    ada    home.example");
+                EXPECT_EQ(table->model()->data(table->model()->index(1, 0)).toString(), "Work    work.example");
+                table->setFocus();
+                QTest::keyClick(table, Qt::Key_Down);
+                QTest::keyClick(table, Qt::Key_Down);
+                EXPECT_EQ(table->selectedRow(), 2);
+                click(dialog, QStringLiteral("Open"));
+            },
+            kFirstAlertButton, 0},
+        {"a left press chooses the row for every button; empty space changes nothing",
+            [](QWidget* dialog, PerchSavedConnectionTableView* table) {
+                pressRow(table, 1);
+                pressRow(table, -1);
+                click(dialog, QStringLiteral("Delete"));
+            },
+            kFirstAlertButton + 2, 1},
+        {"a right press chooses the row too",
+            [](QWidget* dialog, PerchSavedConnectionTableView* table) {
+                pressRow(table, 2, Qt::RightButton);
+                EXPECT_EQ(table->selectedRow(), 2);
+                click(dialog, QStringLiteral("Edit"));
+            },
+            kFirstAlertButton + 1, 2},
+        {"a double click opens that row",
+            [](QWidget*, PerchSavedConnectionTableView* table) {
+                pressRow(table, 2);
+                QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(table->model()->index(2, 0)).center());
+            },
+            kFirstAlertButton, 2},
+    };
+    std::vector<SavedConnectionItem> const items{{1, "Home", "ftp", "home.example", "ada", "", 21, "", ""},
+        {2, "Work", "sftp", "work.example", "", "", 22, "", ""}, {3, "Backup", "ftp", "backup.example", "", "", 21, "", ""}};
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.what);
+        whenModalAppears([&](QWidget* dialog) { row.step(dialog, dialog->findChild<PerchSavedConnectionTableView*>()); });
+        SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, items, QIcon());
+        EXPECT_EQ(answer.button, row.button);
+        if (row.row >= 0) {
+            EXPECT_EQ(answer.row, row.row);
+        }
     }
 }
 
-TEST(SavedConnectionPicker, ADoubleClickOpensThatRow)
-{
-    whenModalAppears([](QWidget* dialog) {
-        auto* table = tableIn(dialog);
-        QPoint const centre = rowCentre(table, 2);
-        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, centre);
-        QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, centre);
-    });
-    SavedConnectionAnswer const answer = runSavedConnectionPicker(nullptr, kItems, QIcon());
-    EXPECT_EQ(answer.button, kFirstAlertButton);
-    EXPECT_EQ(answer.row, 2);
-}
-
-TEST(DesktopDialogs, AnAlertAnswersWithTheIndexOfTheButtonFromOneThousand)
+TEST(DesktopDialogs, AlertsTextPromptsAndTheLicenceAnswerWithWhatWasPressed)
 {
     auto dialogs = createDesktopDialogs();
-    whenModalAppears([](QWidget* dialog) { buttonTitled(dialog, QStringLiteral("Skip"))->click(); });
+    whenModalAppears([](QWidget* dialog) { click(dialog, QStringLiteral("Skip")); });
     AlertRequest request;
     request.messageText = QStringLiteral("File exists");
     request.buttons = {QStringLiteral("Replace"), QStringLiteral("Skip"), QStringLiteral("Cancel")};
-    EXPECT_EQ(dialogs->runAlert(nullptr, request), kFirstAlertButton + 1);
-}
+    EXPECT_EQ(dialogs->runAlert(nullptr, request), kFirstAlertButton + 1) << "counted from 1000";
 
-TEST(DesktopDialogs, ATextPromptGivesTheTypedTextOnOkAndNothingOnCancel)
-{
-    auto dialogs = createDesktopDialogs();
     whenModalAppears([](QWidget* dialog) {
         auto* field = dialog->findChild<QLineEdit*>();
         EXPECT_EQ(field->text(), "example.org");
         EXPECT_EQ(field->placeholderText(), "My Server");
         field->setText(QStringLiteral("  Production  "));
-        buttonTitled(dialog, QStringLiteral("OK"))->click();
+        click(dialog, QStringLiteral("OK"));
     });
     EXPECT_EQ(dialogs->askForText(nullptr, QStringLiteral("Save Connection"), QStringLiteral("Enter a saved connection name."),
                   QStringLiteral("example.org"), QStringLiteral("My Server"), QIcon()),
         std::optional<QString>(QStringLiteral("  Production  ")));
-
-    whenModalAppears([](QWidget* dialog) { buttonTitled(dialog, QStringLiteral("Cancel"))->click(); });
+    whenModalAppears([](QWidget* dialog) { click(dialog, QStringLiteral("Cancel")); });
     EXPECT_EQ(dialogs->askForText(nullptr, QStringLiteral("Rename"), QString(), QStringLiteral("a"), QString(), QIcon()),
         std::nullopt);
-}
 
-TEST(DesktopDialogs, TheLicenceIsAcceptedOnlyWithAccept)
-{
-    auto dialogs = createDesktopDialogs();
-    whenModalAppears([](QWidget* dialog) { buttonTitled(dialog, QStringLiteral("Decline"))->click(); });
+    whenModalAppears([](QWidget* dialog) { click(dialog, QStringLiteral("Decline")); });
     EXPECT_FALSE(dialogs->acceptLicence(QStringLiteral("terms"), QIcon()));
-    whenModalAppears([](QWidget* dialog) { buttonTitled(dialog, QStringLiteral("Accept"))->click(); });
+    whenModalAppears([](QWidget* dialog) { click(dialog, QStringLiteral("Accept")); });
     EXPECT_TRUE(dialogs->acceptLicence(QStringLiteral("terms"), QIcon()));
 }
 

@@ -1,25 +1,37 @@
 // Saving the form, and opening, editing and deleting saved connections, through the real
 // controller and a real site database in the test's own data folder.
-#include "app/pane/perch_path_field.hpp"
+#include "app/saved_connection_items.hpp"
 #include "session_shell_test.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
 
-#include <algorithm>
-
 namespace perchftp::test {
 namespace {
 
-using testing::ElementsAre;
+using Names = std::vector<std::string>;
 
 constexpr int kOpen = app::kFirstAlertButton;
 constexpr int kEdit = app::kFirstAlertButton + 1;
 constexpr int kDelete = app::kFirstAlertButton + 2;
 constexpr int kCancel = app::kFirstAlertButton + 3;
+
+TEST(SavedConnectionRows, ShowNameUserAndHostFourBlanksApartAndReplaceTextThatIsNotUtf8)
+{
+    storage::SiteProfile withUser = siteProfile("Work", "sftp", "files.example.org", 2222);
+    withUser.user = "ana";
+    storage::SiteProfile broken = siteProfile(std::string("bad\xff", 4), std::string("\xc3", 1), "h", 21);
+    broken.id = 7;
+    broken.user = std::string("\xfe", 1);
+    auto const items = app::savedConnectionItems({withUser, siteProfile("Mirror", "ftp", "mirror.example.org", 21), broken});
+    EXPECT_EQ(app::savedConnectionRowTexts(items),
+        (QStringList{"Work    ana    files.example.org", "Mirror    mirror.example.org", "Saved Connection    h"}));
+    EXPECT_EQ(items[2].id, 7);
+    EXPECT_EQ(items[2].protocol, "ftp");
+    EXPECT_EQ(items[2].user, "");
+}
 
 class SavedConnections : public SessionShellTest {
 protected:
@@ -34,40 +46,29 @@ protected:
         startWatchedShell();
     }
 
-    // From here on, every write of the database fails: a folder stands where the file was.
-    void makeDatabaseUnwritable()
-    {
-        for (char const* suffix : {"", "-wal", "-shm"}) {
-            QFile::remove(baseDatabase() + QString::fromLatin1(suffix));
-        }
-        ASSERT_TRUE(QDir().mkpath(baseDatabase() + QStringLiteral("/in-the-way")));
-    }
-
     std::vector<storage::SiteProfile> stored() { return readSites(baseDatabase()).value_or(std::vector<storage::SiteProfile>{}); }
-    static std::vector<std::string> namesOf(std::vector<storage::SiteProfile> const& profiles)
+    static Names namesOf(std::vector<storage::SiteProfile> const& profiles, bool markedOnly = false)
     {
-        std::vector<std::string> names;
+        Names names;
         for (auto const& profile : profiles) {
-            names.push_back(profile.name);
-        }
-        return names;
-    }
-    static std::vector<std::string> marked(std::vector<storage::SiteProfile> const& profiles)
-    {
-        std::vector<std::string> names;
-        for (auto const& profile : profiles) {
-            if (profile.quickConnect) {
+            if (profile.quickConnect || !markedOnly) {
                 names.push_back(profile.name);
             }
         }
         return names;
     }
+    static Names marked(std::vector<storage::SiteProfile> const& profiles) { return namesOf(profiles, true); }
 
     void fillWorkForm()
     {
         fillForm(QStringLiteral("sftp"), QStringLiteral("files.example.org"), QStringLiteral("2222"), "ana", "s3cret pass");
     }
-
+    void expectFormHolds(QString const& host, QString const& user, QString const& secret)
+    {
+        EXPECT_EQ(controller().hostField()->text(), host);
+        EXPECT_EQ(controller().userField()->text(), user);
+        EXPECT_EQ(controller().secretField()->text(), secret);
+    }
     static storage::SiteProfile profile(std::string name, std::string host, std::string user = "ana")
     {
         storage::SiteProfile result = siteProfile(std::move(name), "ftp", std::move(host), 21);
@@ -76,9 +77,9 @@ protected:
     }
 };
 
-TEST_F(SavedConnections, SavingAsksForANameAndStoresTheFormWithItsSecretInClear)
+TEST_F(SavedConnections, SavingStoresTheFormUpdatesByNameAndRefusesTheSameLoginUnderANewName)
 {
-    startWith({});
+    startWith({profile("Home", "home.example.org")});
     fillWorkForm();
     controller().remotePane()->setPathValue(QStringLiteral("/srv/www"));
     dialogs().expectText(QStringLiteral("  Work\n"));
@@ -90,53 +91,38 @@ TEST_F(SavedConnections, SavingAsksForANameAndStoresTheFormWithItsSecretInClear)
     EXPECT_EQ(question.text, "Enter a saved connection name.");
     EXPECT_EQ(question.options, (QStringList{"files.example.org", "My Server"}));
     EXPECT_EQ(banner(), "✅ Saved connection \"Work\".");
-
-    std::vector<storage::SiteProfile> const sites = stored();
-    ASSERT_EQ(sites.size(), 1u);
-    storage::SiteProfile const& site = sites.front();
-    EXPECT_EQ(site.name, "Work") << "the answer is trimmed";
+    std::vector<storage::SiteProfile> sites = stored();
+    ASSERT_EQ(namesOf(sites), (Names{"Home", "Work"})) << "the answer is trimmed";
+    storage::SiteProfile const& site = sites[1];
     EXPECT_EQ(site.protocol, "sftp");
     EXPECT_EQ(site.host, "files.example.org");
     EXPECT_EQ(site.port, 2222);
     EXPECT_EQ(site.user, "ana");
-    EXPECT_EQ(site.secretRef, "s3cret pass");
+    EXPECT_EQ(site.secretRef, "s3cret pass") << "the secret is kept in clear";
     EXPECT_EQ(site.localRoot, controller().localPane()->pathValue().toStdString());
     EXPECT_EQ(site.remoteRoot, "/srv/www");
     EXPECT_EQ(site.group, "General");
-    EXPECT_TRUE(site.quickConnect) << "a saved connection becomes the one used last";
-}
+    EXPECT_EQ(marked(sites), (Names{"Work"})) << "a saved connection becomes the one used last";
+    int const workId = site.id;
 
-TEST_F(SavedConnections, SavingUnderAnExistingNameOverwritesItAndKeepsItsId)
-{
-    startWith({profile("Work", "old.example.org"), profile("Home", "home.example.org")});
-    fillWorkForm();
-    dialogs().expectText(QStringLiteral("Work"));
-    controller().saveConnection();
-
-    EXPECT_EQ(banner(), "✅ Updated saved connection \"Work\".");
-    std::vector<storage::SiteProfile> const sites = stored();
-    ASSERT_EQ(namesOf(sites), (std::vector<std::string>{"Work", "Home"}));
-    EXPECT_EQ(sites[0].id, 1);
-    EXPECT_EQ(sites[0].host, "files.example.org");
-    EXPECT_EQ(marked(sites), (std::vector<std::string>{"Work"}));
-}
-
-TEST_F(SavedConnections, ANewNameForTheSameHostUserAndProtocolIsRefusedEvenOnAnotherPort)
-{
-    startWith({});
-    fillWorkForm();
-    dialogs().expectText(QStringLiteral("Work"));
-    controller().saveConnection();
     controller().portField()->setText(QStringLiteral("22"));
     dialogs().expectText(QStringLiteral("Work copy"));
     controller().saveConnection();
+    EXPECT_EQ(banner(), "⚠️ Connection details are invalid and could not be saved.") << "even on another port";
+    EXPECT_EQ(namesOf(stored()), (Names{"Home", "Work"}));
 
-    EXPECT_EQ(banner(), "⚠️ Connection details are invalid and could not be saved.");
-    EXPECT_EQ(namesOf(stored()), (std::vector<std::string>{"Work"}));
-    EXPECT_EQ(marked(stored()), (std::vector<std::string>{"Work"}));
+    controller().hostField()->setText(QStringLiteral("new.example.org"));
+    dialogs().expectText(QStringLiteral("Work"));
+    controller().saveConnection();
+    EXPECT_EQ(banner(), "✅ Updated saved connection \"Work\".");
+    sites = stored();
+    ASSERT_EQ(namesOf(sites), (Names{"Home", "Work"}));
+    EXPECT_EQ(sites[1].id, workId);
+    EXPECT_EQ(sites[1].host, "new.example.org");
+    EXPECT_EQ(sites[1].port, 22);
 }
 
-TEST_F(SavedConnections, BadFormValuesAreRefusedWithTheirOwnWords)
+TEST_F(SavedConnections, BadFormValuesAreRefusedWithTheirOwnWordsAndNothingIsSavedOrOpened)
 {
     startWith({});
     fillForm(QStringLiteral("ftp"), QString(), QStringLiteral("21"));
@@ -167,44 +153,42 @@ TEST_F(SavedConnections, BadFormValuesAreRefusedWithTheirOwnWords)
     EXPECT_EQ(banner(), "✅ Save connection canceled.");
     EXPECT_TRUE(controller().siteManager().listSites().empty());
     EXPECT_FALSE(QFile::exists(baseDatabase()));
+
+    // With none saved, opening clears the form but for its port and protocol, and asks nothing.
+    fillWorkForm();
+    std::size_t const asked = dialogs().questions().size();
+    controller().openSavedConnectionButton()->click();
+    EXPECT_EQ(banner(), "✅ No saved connections are available yet.");
+    expectFormHolds("", "", "");
+    EXPECT_EQ(controller().portField()->text(), "2222");
+    EXPECT_EQ(controller().protocolField()->currentText(), "sftp");
+    EXPECT_EQ(dialogs().questions().size(), asked);
 }
 
-TEST_F(SavedConnections, ASaveThatCannotReachTheDiskKeepsTheConnectionInMemoryUnmarked)
+TEST_F(SavedConnections, ASaveOrDeleteThatCannotReachTheDiskKeepsTheChangeInMemory)
 {
     startWith({profile("Home", "home.example.org")});
-    makeDatabaseUnwritable();
+    // A folder stands where the database was, so every write fails.
+    for (char const* suffix : {"", "-wal", "-shm"}) {
+        QFile::remove(baseDatabase() + QString::fromLatin1(suffix));
+    }
+    ASSERT_TRUE(QDir().mkpath(baseDatabase() + QStringLiteral("/in-the-way")));
     fillWorkForm();
     dialogs().expectText(QStringLiteral("Work"));
     controller().saveConnection();
 
     EXPECT_EQ(banner(), "⚠️ Connection updated in memory, but saving to disk failed.");
-    std::vector<storage::SiteProfile> const sites = controller().siteManager().listSites();
-    ASSERT_EQ(namesOf(sites), (std::vector<std::string>{"Home", "Work"}));
-    EXPECT_TRUE(marked(sites).empty());
+    ASSERT_EQ(namesOf(controller().siteManager().listSites()), (Names{"Home", "Work"}));
+    EXPECT_TRUE(marked(controller().siteManager().listSites()).empty()) << "no mark after a failed save";
 
-    // Deleting fails the same way and leaves the form as it is.
     dialogs().expectSavedConnection({kDelete, 0});
     controller().openSavedConnection();
     EXPECT_EQ(banner(), "⚠️ Saved connection deleted in memory, but saving to disk failed.");
-    EXPECT_EQ(namesOf(controller().siteManager().listSites()), (std::vector<std::string>{"Work"}));
-    EXPECT_EQ(controller().hostField()->text(), "files.example.org");
+    EXPECT_EQ(namesOf(controller().siteManager().listSites()), (Names{"Work"}));
+    EXPECT_EQ(controller().hostField()->text(), "files.example.org") << "the form stays as it is";
 }
 
-TEST_F(SavedConnections, OpeningWithNoneSavedClearsTheFormButItsPortAndProtocol)
-{
-    startWith({});
-    fillWorkForm();
-    controller().openSavedConnectionButton()->click();
-    EXPECT_EQ(banner(), "✅ No saved connections are available yet.");
-    EXPECT_EQ(controller().hostField()->text(), "");
-    EXPECT_EQ(controller().userField()->text(), "");
-    EXPECT_EQ(controller().secretField()->text(), "");
-    EXPECT_EQ(controller().portField()->text(), "2222");
-    EXPECT_EQ(controller().protocolField()->currentText(), "sftp");
-    EXPECT_TRUE(dialogs().questions().empty());
-}
-
-TEST_F(SavedConnections, OpeningFillsTheFormAndPanesAndTheMarkOutlivesARestart)
+TEST_F(SavedConnections, OpenEditCancelAndDeleteWithTheMarkKeptAcrossARestart)
 {
     storage::SiteProfile work = profile("Work", "files.example.org");
     work.protocol = "sftp";
@@ -214,76 +198,59 @@ TEST_F(SavedConnections, OpeningFillsTheFormAndPanesAndTheMarkOutlivesARestart)
     work.remoteRoot = "/srv/www";
     storage::SiteProfile home = profile("Home", "home.example.org", "");
     home.quickConnect = true;
-    startWith({work, home});
+    startWith({work, home, profile("Third", "three.example.org")});
     ASSERT_EQ(controller().hostField()->text(), "home.example.org") << "the marked connection is loaded at start";
 
     dialogs().expectSavedConnection({kOpen, 0});
     controller().openSavedConnectionButton()->click();
     EXPECT_EQ(dialogs().questions().front().options,
-        (QStringList{"Work    ana    files.example.org", "Home    home.example.org"}));
+        (QStringList{"Work    ana    files.example.org", "Home    home.example.org", "Third    ana    three.example.org"}));
     EXPECT_EQ(banner(), "✅ Loaded saved connection \"Work\".");
     EXPECT_EQ(controller().protocolField()->currentText(), "sftp");
-    EXPECT_EQ(controller().hostField()->text(), "files.example.org");
     EXPECT_EQ(controller().portField()->text(), "2222");
-    EXPECT_EQ(controller().userField()->text(), "ana");
-    EXPECT_EQ(controller().secretField()->text(), "s3cret");
+    expectFormHolds("files.example.org", "ana", "s3cret");
     EXPECT_EQ(controller().remotePane()->pathValue(), "/srv/www");
     EXPECT_TRUE(remotePaneShowsPlaceholder(QStringLiteral("Saved remote path loaded. Connect to browse.")));
     EXPECT_EQ(controller().session(), nullptr) << "opening never connects";
-    EXPECT_EQ(marked(stored()), (std::vector<std::string>{"Work"})) << "written at once";
+    EXPECT_EQ(marked(stored()), (Names{"Work"})) << "written at once";
 
     restartShell();
-    EXPECT_EQ(controller().hostField()->text(), "files.example.org");
+    expectFormHolds("files.example.org", "ana", "s3cret");
     EXPECT_EQ(controller().portField()->text(), "22") << "start-up then sets the protocol's default port";
-}
 
-TEST_F(SavedConnections, EditLoadsLikeOpenWithItsOwnWordsAndCancelLoadsNothing)
-{
-    startWith({profile("Work", "files.example.org"), profile("Home", "home.example.org")});
     dialogs().expectSavedConnection({kEdit, 1});
     controller().openSavedConnection();
     EXPECT_EQ(banner(), "✅ Editing saved connection \"Home\". Update the form and save it.");
     EXPECT_EQ(controller().hostField()->text(), "home.example.org");
-    EXPECT_EQ(marked(stored()), (std::vector<std::string>{"Home"}));
+    EXPECT_EQ(marked(stored()), (Names{"Home"}));
 
     controller().hostField()->setText(QStringLiteral("typed.example.org"));
     dialogs().expectSavedConnection({kCancel, 0});
     controller().openSavedConnection();
     EXPECT_EQ(banner(), "✅ Open saved connection canceled.");
-    EXPECT_EQ(controller().hostField()->text(), "typed.example.org");
-
-    for (int row : {-1, 2}) {
+    for (int row : {-1, 3}) {
         dialogs().expectSavedConnection({kOpen, row});
         controller().openSavedConnection();
         EXPECT_EQ(banner(), "⚠️ Saved connection selection is invalid.") << row;
     }
     EXPECT_EQ(controller().hostField()->text(), "typed.example.org");
-}
 
-TEST_F(SavedConnections, DeletingAsksNothingMoreAndMovesTheMarkToTheLastConnection)
-{
-    storage::SiteProfile first = profile("First", "one.example.org");
-    first.quickConnect = true;
-    startWith({first, profile("Second", "two.example.org"), profile("Third", "three.example.org")});
-    dialogs().expectSavedConnection({kDelete, 1});
+    // A delete asks nothing more, empties the form and moves the mark to the last connection.
+    std::size_t const asked = dialogs().questions().size();
+    dialogs().expectSavedConnection({kDelete, 0});
     controller().openSavedConnection();
+    EXPECT_EQ(banner(), "✅ Deleted saved connection \"Work\".");
+    EXPECT_EQ(dialogs().questions().size(), asked + 1);
+    EXPECT_EQ(namesOf(stored()), (Names{"Home", "Third"}));
+    EXPECT_EQ(marked(stored()), (Names{"Third"})) << "even away from the marked one";
+    expectFormHolds("", "", "");
 
-    EXPECT_EQ(banner(), "✅ Deleted saved connection \"Second\".");
-    EXPECT_EQ(dialogs().questions().size(), 1u);
-    EXPECT_EQ(namesOf(stored()), (std::vector<std::string>{"First", "Third"}));
-    EXPECT_EQ(marked(stored()), (std::vector<std::string>{"Third"}));
-    EXPECT_EQ(controller().hostField()->text(), "");
-    EXPECT_EQ(controller().userField()->text(), "");
-    EXPECT_EQ(controller().secretField()->text(), "");
-
-    for (char const* name : {"First", "Third"}) {
+    for (char const* name : {"Home", "Third"}) {
         dialogs().expectSavedConnection({kDelete, 0});
         controller().openSavedConnection();
         EXPECT_EQ(banner(), QStringLiteral("✅ Deleted saved connection \"%1\".").arg(QLatin1String(name)));
     }
     EXPECT_TRUE(stored().empty());
-    controller().openSavedConnection();
-    EXPECT_EQ(banner(), "✅ No saved connections are available yet.");
 }
 
 } // namespace

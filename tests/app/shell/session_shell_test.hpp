@@ -1,16 +1,23 @@
 #pragma once
 
 #include "app/pane/perch_file_pane_controller.hpp"
+#include "app/shell_controller.hpp"
 #include "app/status/connect_button.hpp"
+#include "protocol/curl/curl_protocol.hpp"
+#include "protocol/protocol_factory.hpp"
 #include "support/started_shell.hpp"
-#include "what_the_user_sees.hpp"
 
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
+#include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStringList>
 
 #include <memory>
 #include <ostream>
@@ -24,25 +31,157 @@ inline void PrintTo(QString const& text, std::ostream* out)
 
 namespace perchftp::test {
 
-// The started shell with the means to type into its connection form, use its menus, and watch
-// what the user is shown.
+// Records what the user is shown while the controller works, in order: the popup's message when
+// the popup appears and at the start of every blocking session call, and the banner's text at
+// the same moments. What the popup says during a call is what the user reads while waiting.
+//
+// Sessions are made by the real libcurl adapters, each wrapped in a witness that takes a look
+// before passing the call on. Only one recorder may exist at a time.
+class WhatTheUserSees : public QObject {
+public:
+    explicit WhatTheUserSees(app::PerchFtpShellController& controller)
+        : controller_(controller)
+    {
+        current_ = this;
+        qApp->installEventFilter(this);
+        protocol::ensureDefaultProtocolAdapters(); // so that a first create() does not undo the witnesses
+        installWitnesses();
+        forget();
+    }
+    ~WhatTheUserSees() override
+    {
+        protocol::curl::registerCurlProtocolAdapters();
+        current_ = nullptr;
+    }
+
+    // What was seen since the last forget(), ending with what is shown now.
+    QStringList const& popupMessages()
+    {
+        look();
+        return popupMessages_;
+    }
+    QStringList const& bannerTexts()
+    {
+        look();
+        return bannerTexts_;
+    }
+    // Starts a new record; the banner's present text does not count as seen.
+    void forget()
+    {
+        popupMessages_.clear();
+        bannerTexts_.clear();
+        bannerBaseline_ = controller_.statusLabel()->text();
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Show && watched == controller_.statusPopupWindow()) {
+            look();
+        }
+        return false;
+    }
+
+private:
+    class WitnessedSession;
+
+    void look()
+    {
+        if (QLabel* message = controller_.statusPopupMessage()) {
+            append(popupMessages_, message->text(), QString());
+        }
+        append(bannerTexts_, controller_.statusLabel()->text(), bannerBaseline_);
+    }
+    static void append(QStringList& texts, QString const& text, QString const& baseline)
+    {
+        if (!text.isEmpty() && text != (texts.isEmpty() ? baseline : texts.back())) {
+            texts.push_back(text);
+        }
+    }
+    // A session may outlive its recorder: the controller's teardown disconnects it.
+    static void lookIfWatched()
+    {
+        if (current_) {
+            current_->look();
+        }
+    }
+    static void installWitnesses()
+    {
+        protocol::ProtocolFactory::registerProtocol("ftp", [] { return witnessed("ftp"); });
+        protocol::ProtocolFactory::registerProtocol("ftps", [] { return witnessed("ftps"); });
+        protocol::ProtocolFactory::registerProtocol("sftp", [] { return witnessed("sftp"); });
+    }
+    static protocol::IRemoteSession* witnessed(char const* name);
+
+    static inline WhatTheUserSees* current_ = nullptr;
+    app::PerchFtpShellController& controller_;
+    QStringList popupMessages_;
+    QStringList bannerTexts_;
+    QString bannerBaseline_;
+};
+
+class WhatTheUserSees::WitnessedSession final : public protocol::IRemoteSession {
+public:
+    using Result = protocol::SessionResult;
+    explicit WitnessedSession(protocol::IRemoteSession* real)
+        : real_(real)
+    {
+    }
+
+    Result connect(std::string const& host, int port, std::string const& user, std::string const& password) override
+    {
+        return lookIfWatched(), real_->connect(host, port, user, password);
+    }
+    Result disconnect() override { return lookIfWatched(), real_->disconnect(); }
+    Result list(std::string const& path, std::vector<protocol::RemoteEntry>& entries) override
+    {
+        return lookIfWatched(), real_->list(path, entries);
+    }
+    Result upload(protocol::TransferParams const& params, protocol::TransferCallback callback) override
+    {
+        return lookIfWatched(), real_->upload(params, std::move(callback));
+    }
+    Result download(protocol::TransferParams const& params, protocol::TransferCallback callback) override
+    {
+        return lookIfWatched(), real_->download(params, std::move(callback));
+    }
+    Result rename(std::string const& from, std::string const& to) override { return lookIfWatched(), real_->rename(from, to); }
+    Result remove(std::string const& path) override { return lookIfWatched(), real_->remove(path); }
+    Result mkdir(std::string const& path) override { return lookIfWatched(), real_->mkdir(path); }
+    Result chmod(std::string const& path, int mode) override { return lookIfWatched(), real_->chmod(path, mode); }
+    bool isConnected() const override { return real_->isConnected(); }
+
+private:
+    std::unique_ptr<protocol::IRemoteSession> real_;
+};
+
+// The real adapter is made by putting the built-in makers back for a moment.
+inline protocol::IRemoteSession* WhatTheUserSees::witnessed(char const* name)
+{
+    protocol::curl::registerCurlProtocolAdapters();
+    protocol::IRemoteSession* real = protocol::ProtocolFactory::create(name);
+    installWitnesses();
+    lookIfWatched();
+    return real ? new WitnessedSession(real) : nullptr;
+}
+
+// The started shell with the means to type into its connection form and watch what the user is
+// shown.
 class SessionShellTest : public StartedShellTest {
 protected:
     void SetUp() override { startWatchedShell(); }
-    void startWatchedShell()
-    {
-        seen_.reset();
-        startShell();
-        // Let the start-up's own popup go, so that each test sees only its own.
-        ASSERT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
-        seen_ = std::make_unique<WhatTheUserSees>(controller());
-    }
     void TearDown() override
     {
         seen_.reset();
         StartedShellTest::TearDown();
     }
-
+    void startWatchedShell()
+    {
+        startShell();
+        // Let the start-up's own popup go, so that each test sees only its own.
+        ASSERT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
+        seen_ = std::make_unique<WhatTheUserSees>(controller());
+    }
     // Ends the shell as the program's end would and starts it again on the same folders.
     void restartShell()
     {
@@ -60,28 +199,33 @@ protected:
         controller().userField()->setText(QString::fromStdString(user));
         controller().secretField()->setText(QString::fromStdString(password));
     }
-
+    // Picks the protocol as a user does, which also writes its default port.
+    void chooseProtocol(QString const& protocol)
+    {
+        controller().protocolField()->setCurrentText(protocol);
+        emit controller().protocolField()->activated(controller().protocolField()->currentIndex());
+    }
     void useMenuItem(QString const& menuTitle, QString const& itemTitle)
     {
-        for (QAction* menuAction : controller().mainMenu()->actions()) {
-            if (menuAction->menu() && menuAction->text() == menuTitle) {
-                for (QAction* item : menuAction->menu()->actions()) {
-                    if (item->text() == itemTitle) {
-                        item->trigger();
-                        return;
-                    }
+        for (QAction* menu : controller().mainMenu()->actions()) {
+            for (QAction* item : menu->text() == menuTitle ? menu->menu()->actions() : QList<QAction*>{}) {
+                if (item->text() == itemTitle) {
+                    return item->trigger();
                 }
             }
         }
         ADD_FAILURE() << "no menu item " << itemTitle.toStdString();
     }
 
-    // The popup's messages, in order, of a connect to 127.0.0.1 that works.
-    static QStringList connectingSteps(QString const& protocol, int port)
+    // The popup's messages, in order, of a connect to 127.0.0.1 up to the step that failed, or to
+    // the end when `failure` is empty.
+    static QStringList connectingSteps(QString const& protocol, int port, QString const& failure = {})
     {
-        return {QStringLiteral("Resolving 127.0.0.1:%1 via %2...").arg(QString::number(port), protocol),
-            QStringLiteral("Preparing protocol adapter..."), QStringLiteral("Opening session for 127.0.0.1..."),
-            QStringLiteral("Session opened. Loading remote directory..."), QStringLiteral("Connected to 127.0.0.1.")};
+        QStringList steps{QStringLiteral("Resolving 127.0.0.1:%1 via %2...").arg(QString::number(port), protocol),
+            QStringLiteral("Preparing protocol adapter..."), QStringLiteral("Opening session for 127.0.0.1...")};
+        return steps << (failure.isEmpty() ? QStringList{QStringLiteral("Session opened. Loading remote directory..."),
+                                                 QStringLiteral("Connected to 127.0.0.1.")}
+                                           : QStringList{failure});
     }
 
     QString banner() { return controller().statusLabel()->text(); }
@@ -89,22 +233,8 @@ protected:
     {
         return controller().statusPopupMessage() ? controller().statusPopupMessage()->text() : QString();
     }
-    QStringList remoteNames()
-    {
-        QStringList names;
-        for (app::PaneEntry const& entry : controller().remotePane()->entries()) {
-            names.push_back(entry.name);
-        }
-        return names;
-    }
-    QStringList remotePaths()
-    {
-        QStringList paths;
-        for (app::PaneEntry const& entry : controller().remotePane()->entries()) {
-            paths.push_back(entry.path);
-        }
-        return paths;
-    }
+    QStringList remoteNames() { return remoteColumn(&app::PaneEntry::name); }
+    QStringList remotePaths() { return remoteColumn(&app::PaneEntry::path); }
     bool remotePaneShowsPlaceholder(QString const& text)
     {
         auto const& entries = controller().remotePane()->entries();
@@ -114,6 +244,15 @@ protected:
     WhatTheUserSees& seen() { return *seen_; }
 
 private:
+    QStringList remoteColumn(QString app::PaneEntry::*field)
+    {
+        QStringList texts;
+        for (app::PaneEntry const& entry : controller().remotePane()->entries()) {
+            texts.push_back(entry.*field);
+        }
+        return texts;
+    }
+
     std::unique_ptr<WhatTheUserSees> seen_;
 };
 

@@ -8,39 +8,31 @@
 namespace perchftp::app {
 namespace {
 
-TEST(ShellText, APortFieldIsReadLikeADesktopTextFieldReadsItsInteger)
+TEST(ShellText, APortFieldIsReadAsItsLeadingIntegerClampedToTheIntRange)
 {
-    EXPECT_EQ(detail::leadingIntValue("21"), 21);
-    EXPECT_EQ(detail::leadingIntValue("  2121"), 2121);
-    EXPECT_EQ(detail::leadingIntValue("22abc"), 22) << "digits followed by letters pass with the digits";
-    EXPECT_EQ(detail::leadingIntValue("+990"), 990);
-    EXPECT_EQ(detail::leadingIntValue("-5"), -5);
-    EXPECT_EQ(detail::leadingIntValue("abc"), 0);
-    EXPECT_EQ(detail::leadingIntValue(""), 0);
-    EXPECT_EQ(detail::leadingIntValue("- 5"), 0);
-    EXPECT_EQ(detail::leadingIntValue("99999999999999"), INT_MAX);
-    EXPECT_EQ(detail::leadingIntValue("-99999999999999"), INT_MIN);
+    std::pair<char const*, int> const rows[] = {{"21", 21}, {"  2121", 2121}, {"22abc", 22}, {"+990", 990}, {"-5", -5},
+        {"abc", 0}, {"", 0}, {"- 5", 0}, {"99999999999999", INT_MAX}, {"-99999999999999", INT_MIN}};
+    for (auto const& [text, value] : rows) {
+        EXPECT_EQ(detail::leadingIntValue(text), value) << '"' << text << '"';
+    }
 }
 
-TEST(ShellText, ProtocolNamesAreTrimmedAndLoweredOnlyInAscii)
+TEST(ShellText, ProtocolNamesAreTrimmedAndLoweredOnlyInAsciiAndOnlyExactNamesHaveTheirOwnPort)
 {
     EXPECT_EQ(detail::lowerAscii(detail::trim("  SFTP \t\n")), "sftp");
     EXPECT_EQ(detail::lowerAscii("ÄBC"), "Äbc") << "bytes of multi-byte characters stay";
     EXPECT_EQ(detail::trim(" \t "), "");
-    EXPECT_EQ(detail::qtToCpp(QString()), "");
     EXPECT_EQ(detail::defaultPortForProtocol("sftp"), 22);
-    EXPECT_EQ(detail::defaultPortForProtocol("ftps"), 21);
-    EXPECT_EQ(detail::defaultPortForProtocol("SFTP"), 21) << "only the exact name";
+    EXPECT_EQ(detail::defaultPortForProtocol("SFTP"), 21);
 }
 
 TEST(ShellText, RemoteRowPathsJoinTheBaseAndTheName)
 {
-    EXPECT_EQ(appendPathComponent("/", "a"), "/a");
-    EXPECT_EQ(appendPathComponent("/srv", "a"), "/srv/a");
-    EXPECT_EQ(appendPathComponent("/srv/", "a"), "/srv/a");
-    EXPECT_EQ(appendPathComponent("/srv", ""), "/srv");
-    EXPECT_EQ(appendPathComponent("", ""), "/");
-    EXPECT_EQ(appendPathComponent("rel", "a"), "rel/a");
+    std::tuple<char const*, char const*, char const*> const rows[] = {{"/", "a", "/a"}, {"/srv", "a", "/srv/a"},
+        {"/srv/", "a", "/srv/a"}, {"/srv", "", "/srv"}, {"", "", "/"}, {"rel", "a", "rel/a"}};
+    for (auto const& [base, name, joined] : rows) {
+        EXPECT_EQ(appendPathComponent(base, name), joined) << base << " + " << name;
+    }
 }
 
 } // namespace

@@ -14,13 +14,15 @@ namespace perchftp::test {
 
 // Answers the shell's modal questions from a script, in order, and records every question.
 // A question that the script does not expect fails the test and gets the cancelling answer.
+// Copies share one script, so a test can hand a copy to code that may destroy it and still
+// look at what was asked.
 class ScriptedShellDialogs final : public app::ShellDialogs {
 public:
     struct Question {
-        QString kind; // "folder", "alert", "text", "savedConnection", "bugReport", "licence"
+        QString kind; // "folder", "alert", "text", "savedConnection", "bugReport", "licence", "checkBoxAlert"
         QString title;
         QString text;
-        QStringList options;
+        QStringList options; // for "checkBoxAlert": the buttons, then the box's title
     };
 
     // The text typed into a prompt, or no text when the prompt was cancelled.
@@ -37,19 +39,18 @@ public:
 
     using Answer = std::variant<QString, int, TextAnswer, app::SavedConnectionAnswer, bool, CheckBoxAlertAnswer>;
 
-    void expectFolder(QString folder) { answers_.push_back(std::move(folder)); }
-    void expectAlertButton(int result) { answers_.push_back(result); }
-    void expectText(std::optional<QString> text) { answers_.push_back(TextAnswer{text.has_value(), text.value_or(QString())}); }
-    void expectSavedConnection(app::SavedConnectionAnswer answer) { answers_.push_back(answer); }
-    void expectLicence(bool accepted) { answers_.push_back(accepted); }
-    // Transfers: the question's kind is "checkBoxAlert", its options the buttons and then the box's title.
-    void expectCheckBoxAlert(int button, bool checked) { answers_.push_back(CheckBoxAlertAnswer{button, checked}); }
+    void expectFolder(QString folder) { script_->answers.push_back(std::move(folder)); }
+    void expectAlertButton(int result) { script_->answers.push_back(result); }
+    void expectText(std::optional<QString> text)
+    {
+        script_->answers.push_back(TextAnswer{text.has_value(), text.value_or(QString())});
+    }
+    void expectSavedConnection(app::SavedConnectionAnswer answer) { script_->answers.push_back(answer); }
+    void expectLicence(bool accepted) { script_->answers.push_back(accepted); }
+    void expectCheckBoxAlert(int button, bool checked) { script_->answers.push_back(CheckBoxAlertAnswer{button, checked}); }
 
-    std::deque<Question> const& questions() const { return questions_; }
-    // An object that hands every question to this script, for code that takes the dialogs over
-    // and may destroy them before the test looks at what was asked.
-    std::unique_ptr<app::ShellDialogs> borrowed();
-    bool scriptIsUsedUp() const { return answers_.empty(); }
+    std::deque<Question> const& questions() const { return script_->questions; }
+    bool scriptIsUsedUp() const { return script_->answers.empty(); }
 
     QString chooseExistingFolder(QWidget*, QString const& title, QString const& startFolder) override;
     int runAlert(QWidget*, app::AlertRequest const& request) override;
@@ -63,11 +64,15 @@ public:
         bool& checked) override;
 
 private:
+    struct Script {
+        std::deque<Answer> answers;
+        std::deque<Question> questions;
+    };
+
     template <typename T>
     std::optional<T> next(Question question);
 
-    std::deque<Answer> answers_;
-    std::deque<Question> questions_;
+    std::shared_ptr<Script> script_ = std::make_shared<Script>();
 };
 
 } // namespace perchftp::test
