@@ -324,21 +324,11 @@ TEST(PaneSplitView, TheLaneIs40WideWithTwoDarkStripsTwoLiveArrowsAndDragsWhereIt
     EXPECT_EQ(split.sizes().first(), 460);
 }
 
-class PaneRowPainting : public testing::PaneFixture {
-protected:
-    void SetUp() override { makePane(true); }
-
-    QColor pixelInRow(QImage const& image, int row, int x) const
-    {
-        QRect const bounds = pane->tableView()->visualRect(pane->model()->index(row, 0));
-        return QColor(image.pixel(x, bounds.center().y()));
-    }
-};
-
-TEST_F(PaneRowPainting, RowsAreStripedAndTheSelectionIsARoundedBlueBand)
+TEST_F(RemoteActions, RowsAreStripedAndTheSelectionIsARoundedBlueBand)
 {
-    pane->showRemoteEntries({testing::remoteFile("a", 1), testing::remoteFile("b", 2), testing::remoteFile("c", 3)},
-                            "/srv");
+    auto const pixelInRow = [this](QImage const& image, int row, int x) {
+        return QColor(image.pixel(x, pane->tableView()->visualRect(pane->model()->index(row, 0)).center().y()));
+    };
     selectRows({1});
     QWidget* viewport = pane->tableView()->viewport();
     QImage const image = viewport->grab().toImage();
