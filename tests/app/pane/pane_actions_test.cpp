@@ -1,4 +1,6 @@
-// Which row an action means, the context menu, drops and the folder dialog.
+// Which row an action means, the context menu, drops, keys, the folder dialog, and the views around
+// the panes: the divider lane, row painting and view lifetimes.
+#include "app/pane/perch_pane_split_view.hpp"
 #include "app/pane/perch_pane_table_model.hpp"
 #include "app/pane/perch_pane_table_view.hpp"
 #include "app/pane/perch_path_field.hpp"
@@ -7,13 +9,20 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QImage>
 #include <QItemSelectionModel>
-#include <QMenu>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMimeData>
+#include <QPointer>
+#include <QSignalSpy>
 #include <QTest>
+#include <QToolButton>
 #include <QUrl>
 
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 
 namespace perchftp::app {
 namespace {
@@ -21,304 +30,148 @@ namespace {
 using testing::remoteFile;
 using testing::remoteFolder;
 
-PaneEntries threeFilesAndAFolder()
-{
-    return {remoteFile("a.txt", 1), remoteFolder("dir"), remoteFile("c.txt", 3), remoteFile("d.txt", 4)};
-}
-
 class RemoteActions : public testing::PaneFixture {
 protected:
     void SetUp() override
     {
         makePane(true);
-        pane->showRemoteEntries(threeFilesAndAFolder(), "/srv");
-        delegate.clear();
+        pane->showRemoteEntries({remoteFile("a.txt", 1), remoteFolder("dir"), remoteFile("c.txt", 3),
+                                 remoteFile("d.txt", 4)},
+                                "/srv");
+        delegate.calls.clear();
     }
 
-    QStringList withoutSelectionReports() const
-    {
-        QStringList kept;
-        for (QString const& call : delegate.summaries()) {
-            if (!call.startsWith("selection")) {
-                kept.append(call);
-            }
-        }
-        return kept;
-    }
-
-    void triggerContextItem(int row, QString const& title)
-    {
-        withContextMenuAt(row, [&](QMenu* menu) {
-            for (QAction* action : menu->actions()) {
-                if (action->text() == title) {
-                    action->trigger();
-                }
-            }
-        });
-    }
-
-    std::unique_ptr<QMimeData> filesToDrop(QStringList const& paths) const
-    {
-        auto data = std::make_unique<QMimeData>();
-        QList<QUrl> urls;
-        for (QString const& path : paths) {
-            urls.append(QUrl::fromLocalFile(path));
-        }
-        data->setUrls(urls);
-        return data;
-    }
+    QStringList takeRequests() { return delegate.takeRequests(); }
 };
 
-TEST_F(RemoteActions, ButtonsStandInOrderAndOnlyDownloadWorksOnTheRemotePane)
+TEST_F(RemoteActions, OnlyDownloadWorksHereAndTheButtonsActOnTheSelection)
 {
-    EXPECT_EQ(pane->upButton()->text(), "Up");
-    EXPECT_EQ(pane->createFolderButton()->text(), "New");
-    EXPECT_EQ(pane->openFolderButton()->text(), "Open Folder...");
     EXPECT_FALSE(pane->openFolderButton()->isEnabled());
     EXPECT_FALSE(pane->openFolderButton()->isVisible());
     EXPECT_FALSE(pane->uploadButton()->isEnabled());
     EXPECT_TRUE(pane->downloadButton()->isEnabled());
-    EXPECT_LT(pane->upButton()->x(), pane->createFolderButton()->x());
-    EXPECT_LT(pane->renameButton()->x(), pane->deleteButton()->x());
-    EXPECT_LT(pane->deleteButton()->x(), pane->uploadButton()->x());
-    EXPECT_LT(pane->uploadButton()->x(), pane->downloadButton()->x());
-}
+    QList<QPushButton*> const order{pane->upButton(), pane->createFolderButton(), pane->renameButton(),
+                                    pane->deleteButton(), pane->uploadButton(), pane->downloadButton()};
+    for (int index = 1; index < order.size(); ++index) {
+        EXPECT_LT(order[index - 1]->x(), order[index]->x()) << order[index]->text().toStdString();
+    }
 
-TEST_F(RemoteActions, RenameUsesTheSelectedRowAndDoesNothingWithoutOne)
-{
     pane->renameClicked();
-    EXPECT_TRUE(delegate.calls.empty());
+    pane->deleteClicked();
+    pane->contextPermissionAction();
+    EXPECT_TRUE(takeRequests().isEmpty()) << "no selection and no clicked row";
+
     selectRows({1});
-    delegate.clear();
     pane->renameClicked();
-    ASSERT_EQ(delegate.summaries(), QStringList({"rename /srv/dir"}));
-    EXPECT_TRUE(delegate.calls.front().isDirectory);
-    EXPECT_TRUE(delegate.calls.front().isRemote);
+    EXPECT_EQ(takeRequests(), QStringList({"rename /srv/dir (dir)"}));
+    selectRows({2});
+    pane->deleteClicked();
+    EXPECT_EQ(takeRequests(), QStringList({"delete /srv/c.txt"}));
+    selectRows({3, 0});
+    pane->deleteClicked();
+    pane->contextPermissionAction();
+    EXPECT_EQ(takeRequests(), QStringList({"deleteMany /srv/a.txt /srv/d.txt", "permissions /srv/a.txt /srv/d.txt"}));
+    selectRows({3, 1});
+    pane->uploadClicked();
+    pane->downloadClicked();
+    pane->createFolderClicked();
+    EXPECT_EQ(takeRequests(), QStringList({"transfer /srv/dir (dir)", "transfer /srv/d.txt", "createFolder"}));
 }
 
-TEST_F(RemoteActions, TheContextMenuActsOnTheClickedRowRatherThanTheSelectedOne)
+TEST_F(RemoteActions, TheContextMenuActsOnTheClickedRowAndARightClickSelectsAnUnselectedRowAlone)
 {
     selectRows({0});
     pane->tableView()->selectionModel()->setCurrentIndex(pane->model()->index(0, 0), QItemSelectionModel::NoUpdate);
     triggerContextItem(2, "Rename");
-    EXPECT_EQ(withoutSelectionReports(), QStringList({"rename /srv/c.txt"}));
+    EXPECT_EQ(takeRequests(), QStringList({"rename /srv/c.txt"}));
     EXPECT_EQ(pane->clickedRow(), -1) << "the clicked row lasts only while the menu is open";
-}
 
-TEST_F(RemoteActions, DeleteTakesOneItemAloneAndSeveralAsOneRequest)
-{
-    pane->deleteClicked();
-    EXPECT_TRUE(delegate.calls.empty());
-    selectRows({2});
-    delegate.clear();
-    pane->deleteClicked();
-    EXPECT_EQ(delegate.summaries(), QStringList({"delete /srv/c.txt"}));
-
-    selectRows({3, 0});
-    delegate.clear();
-    pane->deleteClicked();
-    EXPECT_EQ(delegate.summaries(), QStringList({"deleteMany /srv/a.txt /srv/d.txt"}));
-}
-
-TEST_F(RemoteActions, DownloadSendsEachSelectedItemInOrderAndUploadNothing)
-{
-    selectRows({3, 1});
-    delegate.clear();
-    pane->uploadClicked();
-    EXPECT_TRUE(delegate.calls.empty());
-    pane->downloadClicked();
-    EXPECT_EQ(delegate.summaries(), QStringList({"transfer /srv/dir", "transfer /srv/d.txt"}));
-    EXPECT_TRUE(delegate.calls[0].isDirectory);
-    EXPECT_TRUE(delegate.calls[0].isRemote);
-}
-
-TEST_F(RemoteActions, ARightClickOnAnUnselectedRowSelectsItAloneAndTheTransferTakesItAlone)
-{
     selectRows({0, 1});
     triggerContextItem(2, "Download");
     EXPECT_EQ(pane->selectedItems().size(), 1);
     EXPECT_EQ(pane->selectedPath(), "/srv/c.txt");
-    EXPECT_EQ(withoutSelectionReports(), QStringList({"transfer /srv/c.txt"}));
-}
+    EXPECT_EQ(takeRequests(), QStringList({"transfer /srv/c.txt"}));
 
-TEST_F(RemoteActions, ARightClickOnOneOfSeveralSelectedRowsTransfersThemAll)
-{
     selectRows({0, 2});
     triggerContextItem(2, "Download");
-    EXPECT_EQ(pane->selectedItems().size(), 2);
-    EXPECT_EQ(withoutSelectionReports(), QStringList({"transfer /srv/a.txt", "transfer /srv/c.txt"}));
-}
-
-TEST_F(RemoteActions, ARightClickBelowTheRowsChangesNoSelection)
-{
-    selectRows({0, 2});
+    EXPECT_EQ(pane->selectedItems().size(), 2) << "a right click on one of several selected rows takes them all";
+    EXPECT_EQ(takeRequests(), QStringList({"transfer /srv/a.txt", "transfer /srv/c.txt"}));
     rightClickRow(-1);
-    EXPECT_EQ(pane->selectedItems().size(), 2);
+    EXPECT_EQ(pane->selectedItems().size(), 2) << "a right click below the rows changes no selection";
+
+    pane->tableView()->clearSelection();
+    triggerContextItem(1, "Permission...");
+    triggerContextItem(-1, "Create Folder");
+    EXPECT_EQ(takeRequests(), QStringList({"permissions /srv/dir", "createFolder"}));
 }
 
 TEST_F(RemoteActions, TheMenuIsEnabledByIndexWithPermissionAlwaysOnAndRefreshNeedingARow)
 {
-    EXPECT_EQ(contextMenuEnabledStatesAt(1), QList<bool>({true, true, true, true, true, true, true}));
+    EXPECT_EQ(contextMenuAt(1),
+              QStringList({"Download", "-", "Create Folder", "Permission...", "Refresh", "Rename", "Delete"}));
+    QStringList const rowless{"(Download)", "-", "Create Folder", "Permission...", "(Refresh)", "(Rename)", "(Delete)"};
     pane->tableView()->clearSelection();
-    EXPECT_EQ(contextMenuEnabledStatesAt(-1), QList<bool>({false, true, true, true, false, false, false}));
-    QStringList titles;
-    withContextMenuAt(-1, [&](QMenu* menu) {
-        EXPECT_EQ(menu->title(), "Pane Actions");
-        for (QAction const* action : menu->actions()) {
-            titles.append(action->isSeparator() ? QStringLiteral("-") : action->text());
-        }
-    });
-    EXPECT_EQ(titles, QStringList({"Download", "-", "Create Folder", "Permission...", "Refresh", "Rename", "Delete"}));
-}
-
-TEST_F(RemoteActions, TheMenuOverTheNotConnectedRowOffersOnlyTheRowlessItems)
-{
+    EXPECT_EQ(contextMenuAt(-1), rowless);
     pane->showPlaceholder("Not connected.");
-    EXPECT_EQ(contextMenuEnabledStatesAt(0), QList<bool>({false, true, true, true, false, false, false}));
+    EXPECT_EQ(contextMenuAt(0), rowless);
 }
 
-TEST_F(RemoteActions, PermissionsTakeTheSelectionOrElseTheClickedRow)
+TEST_F(RemoteActions, LocalFilesDroppedGoIntoAFolderRowOrElseTheCurrentFolderAndNothingElseIsTaken)
 {
-    selectRows({0, 3});
-    delegate.clear();
-    pane->contextPermissionAction();
-    EXPECT_EQ(delegate.summaries(), QStringList({"permissions /srv/a.txt /srv/d.txt"}));
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile("/home/u/one.txt"), QUrl::fromLocalFile("/home/u/two")});
+    EXPECT_TRUE(pane->validateDrop(&files));
+    EXPECT_TRUE(pane->acceptDrop(&files, 1));
+    EXPECT_TRUE(pane->acceptDrop(&files, 2));
+    EXPECT_TRUE(pane->acceptDrop(&files, -1));
+    EXPECT_EQ(takeRequests(), QStringList({"drop /srv/dir /home/u/one.txt,/home/u/two",
+                                           "drop /srv /home/u/one.txt,/home/u/two",
+                                           "drop /srv /home/u/one.txt,/home/u/two"}));
 
-    pane->tableView()->clearSelection();
-    delegate.clear();
-    pane->contextPermissionAction();
-    EXPECT_TRUE(delegate.calls.empty()) << "no selection and no clicked row";
-    triggerContextItem(1, "Permission...");
-    EXPECT_EQ(withoutSelectionReports(), QStringList({"permissions /srv/dir"}));
-}
-
-TEST_F(RemoteActions, CreateFolderNeedsNoRow)
-{
-    triggerContextItem(-1, "Create Folder");
-    pane->createFolderClicked();
-    EXPECT_EQ(withoutSelectionReports(), QStringList({"createFolder", "createFolder"}));
-    EXPECT_TRUE(delegate.calls.front().isRemote);
-}
-
-TEST_F(RemoteActions, DroppedFilesGoIntoAFolderRowOrElseTheCurrentFolder)
-{
-    auto const data = filesToDrop({"/home/u/one.txt", "/home/u/two"});
-    EXPECT_TRUE(pane->validateDrop(data.get()));
-    EXPECT_TRUE(pane->acceptDrop(data.get(), 1));
-    EXPECT_TRUE(pane->acceptDrop(data.get(), 2));
-    EXPECT_TRUE(pane->acceptDrop(data.get(), -1));
-    EXPECT_EQ(delegate.summaries(), QStringList({"drop /srv/dir /home/u/one.txt,/home/u/two",
-                                                 "drop /srv /home/u/one.txt,/home/u/two",
-                                                 "drop /srv /home/u/one.txt,/home/u/two"}));
-    EXPECT_TRUE(delegate.calls.front().isRemote);
-}
-
-TEST_F(RemoteActions, DropsWithoutLocalFilesAreRefused)
-{
     QMimeData text;
     text.setText("/home/u/one.txt");
-    EXPECT_FALSE(pane->validateDrop(&text));
-    EXPECT_FALSE(pane->acceptDrop(&text, 1));
     QMimeData web;
     web.setUrls({QUrl("https://example.invalid/file")});
-    EXPECT_FALSE(pane->validateDrop(&web));
-    EXPECT_FALSE(pane->acceptDrop(&web, -1));
-    EXPECT_TRUE(delegate.calls.empty());
-}
+    for (QMimeData const* refused : {&text, &web}) {
+        EXPECT_FALSE(pane->validateDrop(refused));
+        EXPECT_FALSE(pane->acceptDrop(refused, 1));
+        EXPECT_FALSE(pane->acceptDrop(refused, -1));
+    }
+    EXPECT_TRUE(takeRequests().isEmpty());
 
-TEST_F(RemoteActions, ADropOnAFolderRowOfTheTableUploadsIntoThatFolder)
-{
-    auto const data = filesToDrop({"/home/u/one.txt"});
+    // The way a desktop drag delivers it to the table.
+    QMimeData one;
+    one.setUrls({QUrl::fromLocalFile("/home/u/one.txt")});
     QWidget* viewport = pane->tableView()->viewport();
     QPoint const onFolder = rowCentre(1);
-    QDragEnterEvent enter(onFolder, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, {});
+    QDragEnterEvent enter(onFolder, Qt::CopyAction | Qt::MoveAction, &one, Qt::LeftButton, {});
     QApplication::sendEvent(viewport, &enter);
     EXPECT_TRUE(enter.isAccepted());
-    QDragMoveEvent move(onFolder, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, {});
+    QDragMoveEvent move(onFolder, Qt::CopyAction | Qt::MoveAction, &one, Qt::LeftButton, {});
     QApplication::sendEvent(viewport, &move);
     EXPECT_TRUE(move.isAccepted());
     EXPECT_EQ(move.dropAction(), Qt::CopyAction);
-    QDropEvent drop(onFolder, Qt::CopyAction | Qt::MoveAction, data.get(), Qt::LeftButton, {});
+    QDropEvent drop(onFolder, Qt::CopyAction | Qt::MoveAction, &one, Qt::LeftButton, {});
     QApplication::sendEvent(viewport, &drop);
-    EXPECT_EQ(delegate.summaries(), QStringList({"drop /srv/dir /home/u/one.txt"}));
+    EXPECT_EQ(takeRequests(), QStringList({"drop /srv/dir /home/u/one.txt"}));
 }
 
-class LocalActions : public testing::PaneFixture {
-protected:
-    void SetUp() override
-    {
-        makePane(false);
-        tree.makeFolder("folder");
-        tree.makeFile("b.txt");
-        tree.makeFile("c.txt");
-        pane->loadLocalDirectory(tree.path());
-        delegate.clear();
-    }
-
-    testing::FolderTree tree;
-};
-
-TEST_F(LocalActions, OnlyUploadAndOpenFolderWorkOnTheLocalPane)
+TEST_F(RemoteActions, TheFileListTakesTheKeysOfAFileManagerExceptOnTheMessageRow)
 {
-    EXPECT_TRUE(pane->openFolderButton()->isEnabled());
-    EXPECT_TRUE(pane->openFolderButton()->isVisible());
-    EXPECT_TRUE(pane->uploadButton()->isEnabled());
-    EXPECT_FALSE(pane->downloadButton()->isEnabled());
-    EXPECT_LT(pane->upButton()->x(), pane->openFolderButton()->x());
-    EXPECT_LT(pane->openFolderButton()->x(), pane->createFolderButton()->x());
-}
-
-TEST_F(LocalActions, UploadSendsEachSelectedItemAsLocalAndDownloadNothing)
-{
-    selectRows({2, 0});
-    delegate.clear();
-    pane->downloadClicked();
-    EXPECT_TRUE(delegate.calls.empty());
-    pane->uploadClicked();
-    EXPECT_EQ(delegate.summaries(),
-              QStringList({"transfer " + tree.path("b.txt"), "transfer " + tree.path("folder")}));
-    EXPECT_FALSE(delegate.calls.front().isRemote);
-    EXPECT_TRUE(delegate.calls.back().isDirectory);
-}
-
-TEST_F(LocalActions, TheMenuIsEnabledByIndexWithRefreshAlwaysOnAndRenameNeedingARow)
-{
-    EXPECT_EQ(contextMenuEnabledStatesAt(0), QList<bool>({true, true, true, true, true, true}));
-    pane->tableView()->clearSelection();
-    EXPECT_EQ(contextMenuEnabledStatesAt(-1), QList<bool>({false, true, true, true, false, false}));
-    QStringList titles;
-    withContextMenuAt(-1, [&](QMenu* menu) {
-        for (QAction const* action : menu->actions()) {
-            titles.append(action->isSeparator() ? QStringLiteral("-") : action->text());
-        }
-    });
-    EXPECT_EQ(titles, QStringList({"Upload", "-", "Create Folder", "Refresh", "Rename", "Delete"}));
-}
-
-TEST_F(LocalActions, RefreshRelistsTheFolderWithoutAskingTheShell)
-{
-    tree.makeFile("new.txt");
-    pane->contextRefreshAction();
-    EXPECT_TRUE(shownNames().contains("new.txt"));
-    EXPECT_TRUE(delegate.calls.empty());
-}
-
-TEST_F(LocalActions, PermissionsAreARemoteMatter)
-{
+    pane->setCurrentPath("/srv/site");
+    pane->tableView()->setFocus();
     selectRows({1});
-    delegate.clear();
-    pane->contextPermissionAction();
-    EXPECT_TRUE(delegate.calls.empty());
-}
+    for (Qt::Key const key : {Qt::Key_Return, Qt::Key_F2, Qt::Key_Delete, Qt::Key_F5, Qt::Key_Backspace}) {
+        QTest::keySequence(pane->tableView(), QKeySequence(key));
+    }
+    EXPECT_EQ(takeRequests(), QStringList({"open /srv/dir", "rename /srv/dir (dir)", "delete /srv/dir (dir)",
+                                           "open /srv/site", "open /srv"}));
 
-TEST_F(LocalActions, TheLocalPaneRefusesDrops)
-{
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(tree.path("b.txt"))});
-    EXPECT_FALSE(pane->validateDrop(&data));
-    EXPECT_FALSE(pane->acceptDrop(&data, 0));
-    EXPECT_FALSE(pane->model()->canDropMimeData(&data, Qt::CopyAction, -1, -1, pane->model()->index(0, 0)));
-    EXPECT_TRUE(delegate.calls.empty());
+    pane->showPlaceholder("Not connected.");
+    selectRows({0});
+    QTest::keySequence(pane->tableView(), QKeySequence(Qt::Key_Return));
+    QTest::keySequence(pane->tableView(), QKeySequence(Qt::Key_F2));
+    EXPECT_TRUE(takeRequests().isEmpty());
 }
 
 // Answers the folder question from a script and remembers what it was asked.
@@ -336,18 +189,56 @@ public:
     }
 };
 
-class FolderDialog : public LocalActions {
+class LocalActions : public testing::PaneFixture {
 protected:
     void SetUp() override
     {
-        LocalActions::SetUp();
+        makePane(false);
         pane->setDialogs(&dialogs);
+        tree.makeFolder("folder");
+        tree.makeFile("b.txt");
+        tree.makeFile("c.txt");
+        pane->loadLocalDirectory(tree.path());
+        delegate.calls.clear();
     }
 
+    testing::FolderTree tree;
     ScriptedDialogs dialogs;
 };
 
-TEST_F(FolderDialog, ADoubleClickOnTheLocalPathFieldAsksForAFolderOnlyAfterTheClickHasEnded)
+TEST_F(LocalActions, OnlyUploadAndOpenFolderWorkHereAndTheMenuFitsTheLocalSide)
+{
+    EXPECT_TRUE(pane->openFolderButton()->isEnabled());
+    EXPECT_TRUE(pane->openFolderButton()->isVisible());
+    EXPECT_TRUE(pane->uploadButton()->isEnabled());
+    EXPECT_FALSE(pane->downloadButton()->isEnabled());
+    EXPECT_LT(pane->upButton()->x(), pane->openFolderButton()->x());
+    EXPECT_LT(pane->openFolderButton()->x(), pane->createFolderButton()->x());
+
+    selectRows({2, 0});
+    pane->downloadClicked();
+    pane->contextPermissionAction();
+    pane->uploadClicked();
+    EXPECT_EQ(delegate.takeRequests(),
+              QStringList({"transfer " + tree.path("b.txt"), "transfer " + tree.path("folder") + " (dir)"}))
+        << "permissions are a remote matter";
+
+    EXPECT_EQ(contextMenuAt(0), QStringList({"Upload", "-", "Create Folder", "Refresh", "Rename", "Delete"}));
+    pane->tableView()->clearSelection();
+    EXPECT_EQ(contextMenuAt(-1), QStringList({"(Upload)", "-", "Create Folder", "Refresh", "(Rename)", "(Delete)"}));
+
+    tree.makeFile("new.txt");
+    pane->contextRefreshAction();
+    EXPECT_TRUE(shownNames().contains("new.txt"));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(tree.path("b.txt"))});
+    EXPECT_FALSE(pane->validateDrop(&data));
+    EXPECT_FALSE(pane->acceptDrop(&data, 0));
+    EXPECT_FALSE(pane->model()->canDropMimeData(&data, Qt::CopyAction, -1, -1, pane->model()->index(0, 0)));
+    EXPECT_TRUE(delegate.takeRequests().isEmpty()) << "a local refresh asks nothing of the shell and drops are refused";
+}
+
+TEST_F(LocalActions, ADoubleClickOnThePathFieldAsksForAFolderOnlyAfterTheClickHasEnded)
 {
     dialogs.answer = tree.path("folder") + "/ \n";
     testing::doubleClick(pane->pathField(), pane->pathField()->rect().center());
@@ -356,48 +247,31 @@ TEST_F(FolderDialog, ADoubleClickOnTheLocalPathFieldAsksForAFolderOnlyAfterTheCl
     EXPECT_EQ(dialogs.startFolders.front(), tree.path());
     EXPECT_EQ(dialogs.titles.front(), "Select a local folder");
     EXPECT_EQ(pane->pathValue(), tree.path("folder"));
-    EXPECT_TRUE(delegate.calls.empty()) << "a folder chosen here is not remembered";
-}
+    EXPECT_FALSE(pane->pathField()->hasSelectedText()) << "the double click ran the action instead of selecting";
+    EXPECT_TRUE(delegate.takeRequests().isEmpty()) << "a folder chosen here is not remembered";
 
-TEST_F(FolderDialog, ACancelledDialogLeavesThePaneWhereItWas)
-{
+    dialogs.answer.clear();
     pane->openFolderClicked();
-    EXPECT_EQ(dialogs.startFolders.size(), 1);
-    EXPECT_EQ(pane->pathValue(), tree.path());
-}
-
-TEST_F(FolderDialog, TheDialogStartsAtHomeWhenThePathIsEmptyAndOffersNoMissingFolder)
-{
+    EXPECT_EQ(pane->pathValue(), tree.path("folder")) << "a cancelled dialog leaves the pane where it was";
     pane->setCurrentPath(QStringLiteral(""));
     pane->openFolder();
     pane->setCurrentPath(tree.path("gone"));
     pane->openFolder();
-    EXPECT_EQ(dialogs.startFolders, QStringList({QDir::homePath(), QString()}));
-}
+    EXPECT_EQ(dialogs.startFolders.mid(1), QStringList({tree.path("folder"), QDir::homePath(), QString()}))
+        << "an empty path starts at home and a missing folder is not offered";
 
-TEST_F(FolderDialog, TheShellCanTakeOverTheOpenFolderButton)
-{
     int shellPickerRuns = 0;
     QObject receiver;
     pane->redirectOpenFolderButton(&receiver, [&] { ++shellPickerRuns; });
     pane->openFolderButton()->click();
     EXPECT_EQ(shellPickerRuns, 1);
-    EXPECT_TRUE(dialogs.startFolders.isEmpty());
+    EXPECT_EQ(dialogs.startFolders.size(), 4) << "the shell took over the button";
 }
 
-class RemoteFolderDialog : public testing::PaneFixture {
-protected:
-    void SetUp() override
-    {
-        makePane(true);
-        pane->setDialogs(&dialogs);
-    }
-
-    ScriptedDialogs dialogs;
-};
-
-TEST_F(RemoteFolderDialog, ADoubleClickOnTheRemotePathFieldEditsAsUsualAndOpensNoDialog)
+TEST_F(RemoteActions, ADoubleClickOnThePathFieldEditsAsUsualAndOpensNoDialog)
 {
+    ScriptedDialogs dialogs;
+    pane->setDialogs(&dialogs);
     pane->setPathValue("/var/www");
     testing::doubleClick(pane->pathField(), QPoint(12, pane->pathField()->height() / 2));
     QApplication::processEvents();
@@ -406,40 +280,104 @@ TEST_F(RemoteFolderDialog, ADoubleClickOnTheRemotePathFieldEditsAsUsualAndOpensN
     EXPECT_TRUE(pane->pathField()->hasSelectedText()) << "a double click selects a word of the path";
 }
 
-
-class PaneKeys : public testing::PaneFixture {
-protected:
-    void SetUp() override
-    {
-        makePane(true);
-        pane->showRemoteEntries(threeFilesAndAFolder(), "/srv/site");
-        pane->tableView()->setFocus();
-        selectRows({1});
-        delegate.clear();
-    }
-
-    void press(QKeySequence const& key) { QTest::keySequence(pane->tableView(), key); }
-};
-
-TEST_F(PaneKeys, TheFileListTakesTheKeysOfAFileManager)
+TEST(PaneSplitView, TheLaneIs40WideWithTwoDarkStripsTwoLiveArrowsAndDragsWhereItIsEmpty)
 {
-    press(QKeySequence(Qt::Key_Return));
-    press(QKeySequence(Qt::Key_F2));
-    press(QKeySequence(Qt::Key_Delete));
-    press(QKeySequence(Qt::Key_F5));
-    press(QKeySequence(Qt::Key_Backspace));
-    EXPECT_EQ(delegate.summaries(), QStringList({"open /srv/dir", "rename /srv/dir", "delete /srv/dir",
-                                                 "open /srv/site", "open /srv"}));
+    PerchPaneSplitView split;
+    split.addWidget(new QLabel("local"));
+    split.addWidget(new QLabel("remote"));
+    split.resize(840, 400);
+    split.setSizes({400, 400});
+    split.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&split));
+    QSplitterHandle* lane = split.handle(1);
+
+    EXPECT_EQ(lane->width(), 40);
+    QImage const image = lane->grab().toImage();
+    QRgb const strip = QColor::fromRgbF(0.02f, 0.02f, 0.02f).rgb();
+    EXPECT_EQ(image.pixel(2, 10), strip);
+    EXPECT_EQ(image.pixel(37, 10), strip);
+    EXPECT_EQ(image.pixel(20, 10), split.palette().color(QPalette::Window).rgb()) << "the middle is not painted";
+
+    QToolButton* right = split.rightArrowButton();
+    QToolButton* left = split.leftArrowButton();
+    ASSERT_NE(right, nullptr);
+    ASSERT_NE(left, nullptr);
+    EXPECT_EQ(right->size(), QSize(34, 44));
+    EXPECT_EQ(left->size(), QSize(34, 44));
+    EXPECT_LE(std::abs(right->geometry().center().y() - lane->height() / 2), 1);
+    EXPECT_LE(std::abs(right->geometry().center().x() - lane->width() / 2), 1);
+    EXPECT_EQ(left->y(), right->geometry().bottom() + 1 + 26);
+
+    QSignalSpy uploads(&split, &PerchPaneSplitView::rightArrowClicked);
+    QSignalSpy downloads(&split, &PerchPaneSplitView::leftArrowClicked);
+    QTest::mouseClick(right, Qt::LeftButton);
+    QTest::mouseClick(left, Qt::LeftButton);
+    QTest::mouseClick(left, Qt::LeftButton);
+    EXPECT_EQ(uploads.size(), 1);
+    EXPECT_EQ(downloads.size(), 2);
+    EXPECT_EQ(split.sizes().first(), 400) << "a click on a button does not move the divider";
+
+    QPoint const empty(20, 8);
+    QTest::mousePress(lane, Qt::LeftButton, {}, empty);
+    QTest::mouseMove(lane, empty + QPoint(60, 0));
+    QTest::mouseRelease(lane, Qt::LeftButton, {}, empty + QPoint(60, 0));
+    EXPECT_EQ(split.sizes().first(), 460);
 }
 
-TEST_F(PaneKeys, ReturnOnTheMessageRowDoesNothing)
+TEST_F(RemoteActions, RowsAreStripedAndTheSelectionIsARoundedBlueBand)
 {
-    pane->showPlaceholder("Not connected.");
-    selectRows({0});
-    delegate.clear();
-    press(QKeySequence(Qt::Key_Return));
-    press(QKeySequence(Qt::Key_F2));
-    EXPECT_TRUE(delegate.calls.empty());
+    auto const pixelInRow = [this](QImage const& image, int row, int x) {
+        return QColor(image.pixel(x, pane->tableView()->visualRect(pane->model()->index(row, 0)).center().y()));
+    };
+    selectRows({1});
+    QWidget* viewport = pane->tableView()->viewport();
+    QImage const image = viewport->grab().toImage();
+    int const farRight = viewport->width() - 4;
+    QColor const evenRow = QColor::fromRgbF(0.24f, 0.24f, 0.24f).toRgb();
+    EXPECT_EQ(pixelInRow(image, 0, farRight).rgb(), evenRow.rgb());
+    EXPECT_EQ(pixelInRow(image, 2, farRight).rgb(), evenRow.rgb());
+
+    // The selection blue at alpha 0.55 over the black of an odd row.
+    QColor const selected = pixelInRow(image, 1, farRight);
+    EXPECT_NEAR(selected.red(), 28, 2);
+    EXPECT_NEAR(selected.green(), 64, 2);
+    EXPECT_NEAR(selected.blue(), 115, 2);
+    QRect const row = pane->tableView()->visualRect(pane->model()->index(1, 0));
+    EXPECT_EQ(QColor(image.pixel(0, row.top())), QColor(Qt::black)) << "the band is inset and its corners round";
+    pane->tableView()->clearSelection();
+    QImage const unselected = viewport->grab().toImage();
+    EXPECT_EQ(pixelInRow(unselected, 1, farRight), QColor(Qt::black)) << "odd rows are black";
+}
+
+TEST(PaneLifetime, AViewOutlivesItsPaneWhenAWindowAdoptedItAndDiesWithItOtherwise)
+{
+    {
+        PerchPaneSplitView split;
+        auto local = std::make_unique<PerchFilePaneController>(QStringLiteral("Local"), false);
+        auto remote = std::make_unique<PerchFilePaneController>(QStringLiteral("Remote"), true);
+        split.addWidget(local->view());
+        split.addWidget(remote->view());
+        split.show();
+        QPointer<QWidget> const view = local->view();
+        local.reset();
+        remote.reset();
+        ASSERT_FALSE(view.isNull()) << "the splitter owns the adopted view";
+        split.repaint();
+        testing::doubleClick(view->findChild<PerchPathField*>(), QPoint(12, 8));
+        EXPECT_TRUE(view->findChild<PerchPathField*>()->hasSelectedText()) << "the field is a plain one now";
+    }
+    {
+        PerchFilePaneController pane(QStringLiteral("Local"), false);
+        delete pane.view();
+        QLineEdit other;
+        other.show();
+        testing::doubleClick(&other, QPoint(5, 5));
+        EXPECT_EQ(pane.view(), nullptr) << "a pane without its view ignores double clicks elsewhere";
+    }
+    auto pane = std::make_unique<PerchFilePaneController>(QStringLiteral("Remote"), true);
+    QPointer<QWidget> const view = pane->view();
+    pane.reset();
+    EXPECT_TRUE(view.isNull());
 }
 
 } // namespace

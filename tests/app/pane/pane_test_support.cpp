@@ -16,32 +16,42 @@ namespace perchftp::app::testing {
 
 PaneEntry remoteFile(QString const& name, quint64 size, QString const& permissions, QString const& modifiedAt)
 {
-    PaneEntry entry;
-    entry.name = name;
-    entry.path = QStringLiteral("/srv/") + name;
-    entry.permissions = permissions;
-    entry.size = QString::number(size);
-    entry.sizeValue = size;
-    entry.modifiedAt = modifiedAt;
-    return entry;
+    return {name, "/srv/" + name, false, false, permissions, QString::number(size), size, modifiedAt};
 }
 
 PaneEntry remoteFolder(QString const& name, quint64 sizeValue)
 {
-    PaneEntry entry = remoteFile(name, sizeValue, QStringLiteral("drwxr-xr-x"));
-    entry.dir = true;
-    entry.size = QStringLiteral("");
-    return entry;
+    return {name, "/srv/" + name, true, false, QStringLiteral("drwxr-xr-x"), QStringLiteral(""), sizeValue, {}};
 }
 
-FolderTree::FolderTree()
+QStringList RecordingPaneDelegate::takeRequests()
 {
-    EXPECT_TRUE(m_root.isValid());
+    QStringList requests;
+    for (QString const& call : calls) {
+        if (!call.startsWith(QStringLiteral("selection "))) {
+            requests.append(call);
+        }
+    }
+    calls.clear();
+    return requests;
 }
 
-QString FolderTree::path(QString const& relative) const
+void RecordingPaneDelegate::record(PerchFilePaneController* pane, bool isRemote, QString call, bool isDirectory,
+                                   PaneEntries const& items)
 {
-    return relative.isEmpty() ? m_root.path() : m_root.path() + u'/' + relative;
+    EXPECT_EQ(isRemote, pane->isRemote()) << call.toStdString();
+    for (PaneEntry const& item : items) {
+        call += u' ' + item.path;
+    }
+    calls.append(isDirectory ? call + QStringLiteral(" (dir)") : call);
+}
+
+void RecordingPaneDelegate::didRequestOpenPath(PerchFilePaneController* pane, QString const& path, bool isRemote)
+{
+    record(pane, isRemote, "open " + path);
+    if (!isRemote) {
+        pane->loadLocalDirectory(path);
+    }
 }
 
 QString FolderTree::makeFolder(QString const& relative) const
@@ -50,31 +60,12 @@ QString FolderTree::makeFolder(QString const& relative) const
     return path(relative);
 }
 
-QString FolderTree::makeFile(QString const& relative, QByteArray const& content) const
+QString FolderTree::makeFile(QString const& relative) const
 {
     QFile file(path(relative));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(content);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << relative.toStdString();
     return path(relative);
 }
-
-namespace {
-
-QtMessageHandler nextMessageHandler = nullptr;
-
-// The offscreen platform says, for every window, which desktop services it lacks.
-void quietOffscreenNotes(QtMsgType type, QMessageLogContext const& context, QString const& message)
-{
-    QtMessageHandler const next = nextMessageHandler;
-    if (message.startsWith(QStringLiteral("This plugin does not support"))) {
-        return;
-    }
-    if (next != nullptr) {
-        next(type, context, message);
-    }
-}
-
-} // namespace
 
 void doubleClick(QWidget* widget, QPoint const& position)
 {
@@ -87,11 +78,6 @@ void doubleClick(QWidget* widget, QPoint const& position)
 
 void PaneFixture::makePane(bool isRemote)
 {
-    static bool const quieted = [] {
-        nextMessageHandler = qInstallMessageHandler(quietOffscreenNotes);
-        return true;
-    }();
-    (void)quieted;
     pane = std::make_unique<PerchFilePaneController>(isRemote ? QStringLiteral("Remote") : QStringLiteral("Local"),
                                                      isRemote);
     pane->setDelegate(&delegate);
@@ -115,15 +101,6 @@ QStringList PaneFixture::shownNames() const
         names.append(pane->model()->index(row, PerchPaneTableModel::NameColumn).data().toString());
     }
     return names;
-}
-
-QStringList PaneFixture::shownPaths() const
-{
-    QStringList paths;
-    for (PaneEntry const& entry : pane->entries()) {
-        paths.append(entry.path);
-    }
-    return paths;
 }
 
 void PaneFixture::selectRows(QList<int> const& rows)
@@ -159,28 +136,39 @@ void PaneFixture::withContextMenuAt(int row, std::function<void(QMenu*)> const& 
     QPoint const local = rowCentre(row);
     bool opened = false;
     QTimer::singleShot(0, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (menu == nullptr) {
-            return;
+        if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+            opened = true;
+            whileOpen(menu);
+            menu->close();
         }
-        opened = true;
-        whileOpen(menu);
-        menu->close();
     });
     QContextMenuEvent event(QContextMenuEvent::Mouse, local, viewport->mapToGlobal(local));
     QApplication::sendEvent(viewport, &event);
     EXPECT_TRUE(opened) << "the context menu did not open";
 }
 
-QList<bool> PaneFixture::contextMenuEnabledStatesAt(int row)
+QStringList PaneFixture::contextMenuAt(int row)
 {
-    QList<bool> states;
+    QStringList items;
     withContextMenuAt(row, [&](QMenu* menu) {
+        EXPECT_EQ(menu->title(), "Pane Actions");
         for (QAction const* action : menu->actions()) {
-            states.append(action->isEnabled());
+            QString const title = action->isSeparator() ? QStringLiteral("-") : action->text();
+            items.append(action->isEnabled() ? title : u'(' + title + u')');
         }
     });
-    return states;
+    return items;
+}
+
+void PaneFixture::triggerContextItem(int row, QString const& title)
+{
+    withContextMenuAt(row, [&](QMenu* menu) {
+        for (QAction* action : menu->actions()) {
+            if (action->text() == title) {
+                action->trigger();
+            }
+        }
+    });
 }
 
 } // namespace perchftp::app::testing

@@ -5,78 +5,29 @@
 #include "app/queue/queue_table_model.hpp"
 
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
+
+#include <filesystem>
 
 namespace perchftp::test {
 
 namespace fs = std::filesystem;
 
-void ConnectedShellTest::SetUp()
+namespace {
+
+void put(fs::path const& path, std::string const& bytes)
 {
-    startShell();
-    server_ = std::make_unique<FtpTestServer>();
-    localPane().loadLocalDirectory(QString::fromStdString(localFolder().string()));
-    connectToServer();
+    if (path.string().ends_with('/')) {
+        fs::create_directories(path);
+        return;
+    }
+    fs::create_directories(path.parent_path());
+    writeFile(path, bytes);
 }
 
-void ConnectedShellTest::connectToServer()
-{
-    app::PerchFtpShellController& shell = controller();
-    shell.protocolField()->setCurrentText(QStringLiteral("ftp"));
-    shell.hostField()->setText(QStringLiteral("127.0.0.1"));
-    shell.portField()->setText(QString::number(server_->port()));
-    shell.userField()->setText(QString::fromStdString(server_->user()));
-    shell.secretField()->setText(QString::fromStdString(server_->password()));
-    shell.connectSession();
-    remotePane().setPathValue(QStringLiteral("/"));
-    shell.refreshRemoteDirectory();
-    ASSERT_TRUE(shell.isConnected());
-}
-
-void ConnectedShellTest::putLocalFile(std::string const& relative, std::string const& bytes)
-{
-    fs::create_directories((local_.path() / relative).parent_path());
-    writeFile(local_.path() / relative, bytes);
-}
-
-void ConnectedShellTest::putRemoteFile(std::string const& remotePath, std::string const& bytes)
-{
-    fs::create_directories(server_->local(remotePath).parent_path());
-    writeFile(server_->local(remotePath), bytes);
-}
-
-void ConnectedShellTest::putRemoteFolder(std::string const& remotePath)
-{
-    fs::create_directories(server_->local(remotePath));
-}
-
-bool ConnectedShellTest::remoteExists(std::string const& remotePath) const
-{
-    std::error_code ignored;
-    return fs::exists(fs::symlink_status(server_->local(remotePath), ignored));
-}
-
-std::string ConnectedShellTest::remoteContent(std::string const& remotePath) const
-{
-    return readFile(server_->local(remotePath));
-}
-
-void ConnectedShellTest::selectLocal(QStringList const& names)
-{
-    localPane().refresh();
-    selectRows(localPane(), names);
-}
-
-void ConnectedShellTest::selectRemote(QStringList const& names)
-{
-    controller().refreshRemoteDirectory();
-    selectRows(remotePane(), names);
-}
-
-void ConnectedShellTest::selectRows(app::PerchFilePaneController& pane, QStringList const& names)
+void selectRows(app::PerchFilePaneController& pane, QStringList const& names)
 {
     QItemSelectionModel* selection = pane.tableView()->selectionModel();
     selection->clearSelection();
@@ -91,20 +42,63 @@ void ConnectedShellTest::selectRows(app::PerchFilePaneController& pane, QStringL
     ASSERT_EQ(found, names.size()) << "rows to select are missing";
 }
 
-QString ConnectedShellTest::banner()
+} // namespace
+
+void ConnectedShellTest::SetUp()
 {
-    QString text = controller().statusLabel()->text();
-    for (QString const& marker : {QStringLiteral("⚠️ "), QStringLiteral("✅ ")}) {
-        if (text.startsWith(marker)) {
-            return text.mid(marker.size());
-        }
-    }
-    return text;
+    startShell();
+    server_ = std::make_unique<FtpTestServer>();
+    localPane().loadLocalDirectory(QString::fromStdString(local_.path().string()));
+    app::PerchFtpShellController& shell = controller();
+    shell.protocolField()->setCurrentText(QStringLiteral("ftp"));
+    shell.hostField()->setText(QStringLiteral("127.0.0.1"));
+    shell.portField()->setText(QString::number(server_->port()));
+    shell.userField()->setText(QString::fromStdString(server_->user()));
+    shell.secretField()->setText(QString::fromStdString(server_->password()));
+    shell.connectSession();
+    remotePane().setPathValue(QStringLiteral("/"));
+    shell.refreshRemoteDirectory();
+    ASSERT_TRUE(shell.isConnected());
 }
 
-bool ConnectedShellTest::bannerIsError()
+void ConnectedShellTest::putLocal(std::string const& relative, std::string const& bytes)
 {
-    return controller().statusLabel()->text().startsWith(QStringLiteral("⚠️ "));
+    put(local_.path() / relative, bytes);
+}
+
+void ConnectedShellTest::putRemote(std::string const& remotePath, std::string const& bytes)
+{
+    put(server_->local(remotePath), bytes);
+}
+
+bool ConnectedShellTest::remoteExists(std::string const& remotePath) const
+{
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(server_->local(remotePath), ignored));
+}
+
+void ConnectedShellTest::selectLocal(QStringList const& names)
+{
+    localPane().refresh();
+    selectRows(localPane(), names);
+}
+
+void ConnectedShellTest::selectRemote(QStringList const& names)
+{
+    controller().refreshRemoteDirectory();
+    selectRows(remotePane(), names);
+}
+
+void ConnectedShellTest::transfer(transfer::JobType type, QString const& localPath, QString const& remotePath)
+{
+    controller().localTransferField()->setText(localPath);
+    controller().remoteTransferField()->setText(remotePath);
+    type == transfer::JobType::Upload ? controller().enqueueUpload() : controller().enqueueDownload();
+}
+
+QString ConnectedShellTest::banner()
+{
+    return controller().statusLabel()->text();
 }
 
 QString ConnectedShellTest::popupMessage()
@@ -113,22 +107,20 @@ QString ConnectedShellTest::popupMessage()
     return message ? message->text() : QStringLiteral("");
 }
 
-void ConnectedShellTest::deliverPostedEvents()
-{
-    QCoreApplication::sendPostedEvents();
-}
-
 void ConnectedShellTest::recordQueueRowStates(int row)
 {
     app::PerchQueueTableDataSource* table = controller().queueTableDataSource();
     auto const record = [this, table, row] {
         auto const& rows = table->items();
-        if (row < int(rows.size()) && (states_.isEmpty() || states_.back() != rows[std::size_t(row)].status)) {
-            states_.append(rows[std::size_t(row)].status);
+        if (row < int(rows.size()) && (recordedStates.isEmpty() || recordedStates.back() != rows[std::size_t(row)].status)) {
+            recordedStates.append(rows[std::size_t(row)].status);
         }
     };
-    QObject::connect(table, &QAbstractItemModel::modelReset, table, record);
-    QObject::connect(table, &QAbstractItemModel::dataChanged, table, record);
+    recordedStates.clear();
+    QObject::disconnect(recordingReset_);
+    QObject::disconnect(recordingChange_);
+    recordingReset_ = QObject::connect(table, &QAbstractItemModel::modelReset, table, record);
+    recordingChange_ = QObject::connect(table, &QAbstractItemModel::dataChanged, table, record);
 }
 
 } // namespace perchftp::test

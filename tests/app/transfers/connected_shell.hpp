@@ -10,7 +10,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -29,51 +28,45 @@ inline constexpr int kReplace = app::kFirstAlertButton;
 inline constexpr int kSkip = app::kFirstAlertButton + 1;
 inline constexpr int kCancel = app::kFirstAlertButton + 2;
 
-// The real shell connected over FTP to a real loopback server, with a local folder of its own
-// shown in the local pane and the server's root in the remote pane.
+// The real shell connected over FTP to a real loopback server, as a user connects with the form,
+// with a local folder of its own in the local pane and the server's root in the remote pane.
 class ConnectedShellTest : public StartedShellTest {
 protected:
     void SetUp() override;
 
-    // Connects with the form, as a user does, and lists the remote folder.
-    void connectToServer();
     FtpTestServer& server() { return *server_; }
     app::PerchFilePaneController& localPane() { return *controller().localPane(); }
     app::PerchFilePaneController& remotePane() { return *controller().remotePane(); }
 
-    // The local folder of this test, and a path in it.
-    std::filesystem::path const& localFolder() const { return local_.path(); }
+    // A path in the local folder of this test.
     std::string local(std::string const& relative) const { return (local_.path() / relative).string(); }
     QString localText(std::string const& relative) const { return QString::fromStdString(local(relative)); }
-    void putLocalFile(std::string const& relative, std::string const& bytes);
-    void putRemoteFile(std::string const& remotePath, std::string const& bytes);
-    void putRemoteFolder(std::string const& remotePath);
+    // Files are made with the folders above them; a folder path ends in "/".
+    void putLocal(std::string const& relative, std::string const& bytes = {});
+    void putRemote(std::string const& remotePath, std::string const& bytes = {});
     bool remoteExists(std::string const& remotePath) const;
-    std::string remoteContent(std::string const& remotePath) const;
+    std::string remoteContent(std::string const& remotePath) const { return readFile(server_->local(remotePath)); }
 
     // Lists the folder in the pane again and selects the rows of these names only.
     void selectLocal(QStringList const& names);
     void selectRemote(QStringList const& names);
+    // Fills the two hidden transfer fields, as the panes' selections do, and presses the hidden button.
+    void transfer(transfer::JobType type, QString const& localPath, QString const& remotePath);
 
-    // The banner without its marker, and whether the marker says error.
+    // The banner with its marker, and the open popup's message ("" without a popup).
     QString banner();
-    bool bannerIsError();
-    // The open popup's message; "" without a popup.
     QString popupMessage();
-    // Delivers what the transfer posted to the event loop.
-    void deliverPostedEvents();
 
     std::vector<transfer::TransferQueueItem> jobs() { return controller().transferQueue().queue().snapshot(); }
-    // The states that the queue table showed for one row, each change once, from now on.
+    // From now on, the states that the queue table shows for one row, each change once.
     void recordQueueRowStates(int row);
-    QStringList const& recordedStates() const { return states_; }
+    QStringList recordedStates;
 
 private:
-    void selectRows(app::PerchFilePaneController& pane, QStringList const& names);
-
     TempDir local_;
     std::unique_ptr<FtpTestServer> server_;
-    QStringList states_;
+    QMetaObject::Connection recordingReset_;
+    QMetaObject::Connection recordingChange_;
 };
 
 } // namespace perchftp::test

@@ -1,5 +1,5 @@
 // File operations from the panes through the real shell: local ones on a real folder, remote ones
-// on a real FTP server, and a local file dropped on the real remote pane.
+// on a real FTP server, and local files dropped on the real remote pane.
 #include "connected_shell.hpp"
 
 #include "app/pane/perch_pane_table_model.hpp"
@@ -16,22 +16,16 @@ namespace perchftp::test {
 namespace {
 
 namespace fs = std::filesystem;
-using app::kFirstAlertButton;
-using app::PaneEntries;
 using app::PaneEntry;
 using transfer::JobState;
+using transfer::JobType;
 
-constexpr int kConfirm = kFirstAlertButton;
-constexpr int kDecline = kFirstAlertButton + 1;
+constexpr int kConfirm = app::kFirstAlertButton;
+constexpr int kDecline = app::kFirstAlertButton + 1;
 
 PaneEntry item(QString const& path, bool dir = false, QString const& permissions = QString())
 {
-    PaneEntry entry;
-    entry.name = path.section(u'/', -1);
-    entry.path = path;
-    entry.dir = dir;
-    entry.permissions = permissions;
-    return entry;
+    return {path.section(u'/', -1), path, dir, false, permissions, {}, 0, {}};
 }
 
 class FileOperations : public ConnectedShellTest {
@@ -42,243 +36,14 @@ protected:
         controller().setQueueLog(&log_);
     }
 
-    void disconnect() { controller().setSession(nullptr); }
     QStringList logLines() const { return log_.toPlainText().split(u'\n', Qt::SkipEmptyParts); }
-    int modeOf(std::string const& remotePath)
+    QString lastQuestion() { return dialogs().questions().back().text; }
+    void waitForThePopupToGo()
     {
-        struct stat info{};
-        ::stat(server().local(remotePath).c_str(), &info);
-        return int(info.st_mode & 07777);
+        ASSERT_TRUE(waitUntil([this] { return controller().statusPopupWindow() == nullptr; }));
     }
 
-private:
-    QPlainTextEdit log_;
-};
-
-TEST_F(FileOperations, LocalFoldersAreCreatedRenamedAndDeletedInThePanesFolder)
-{
-    dialogs().expectText(QStringLiteral("  Reports  "));
-    controller().createFolderInPane(false);
-    EXPECT_TRUE(fs::is_directory(local("Reports")));
-    EXPECT_EQ(popupMessage(), "Created local folder Reports.");
-    EXPECT_EQ(banner(), "Created local folder Reports");
-    EXPECT_EQ(dialogs().questions().front().title, "Create Folder");
-    EXPECT_EQ(dialogs().questions().front().text, "Enter a new local folder name.");
-    EXPECT_EQ(dialogs().questions().front().options, (QStringList{"", "New Folder"}));
-
-    dialogs().expectText(QStringLiteral("Archive"));
-    controller().renamePanePath(localText("Reports"), false, true);
-    EXPECT_TRUE(fs::is_directory(local("Archive")));
-    EXPECT_EQ(dialogs().questions().back().options, (QStringList{"Reports", "Reports"}));
-    EXPECT_EQ(popupMessage(), "Renamed local item to Archive.");
-
-    putLocalFile("Archive/inner.txt", "x");
-    dialogs().expectAlertButton(kConfirm);
-    controller().deletePanePath(localText("Archive"), false, true);
-    EXPECT_EQ(dialogs().questions().back().text, "Delete \"Archive\"?");
-    EXPECT_EQ(dialogs().questions().back().options, (QStringList{"Delete", "Cancel"}));
-    EXPECT_FALSE(fs::exists(local("Archive"))) << "a folder goes with its contents";
-    EXPECT_EQ(banner(), "Deleted local item Archive");
-}
-
-TEST_F(FileOperations, LocalFailuresShowTheSystemsWords)
-{
-    fs::create_directories(localFolder() / "taken");
-    putLocalFile("other.txt", "o");
-    dialogs().expectText(QStringLiteral("taken"));
-    controller().createFolderInPane(false);
-    EXPECT_EQ(banner(), "Local folder create failed: File exists");
-    EXPECT_EQ(popupMessage(), "Local folder create failed: File exists");
-    EXPECT_TRUE(bannerIsError());
-
-    dialogs().expectText(QStringLiteral("taken"));
-    controller().renamePanePath(localText("other.txt"), false, false);
-    EXPECT_EQ(banner(), "Local rename failed: File exists") << "a move never replaces what is there";
-    EXPECT_EQ(readFile(local("other.txt")), "o");
-
-    dialogs().expectAlertButton(kConfirm);
-    controller().deletePanePath(localText("gone.txt"), false, false);
-    EXPECT_EQ(banner(), "Local delete failed: No such file or directory");
-}
-
-TEST_F(FileOperations, CanceledAndUnchangedPromptsTouchNothing)
-{
-    putLocalFile("keep.txt", "k");
-    ASSERT_TRUE(waitUntil([this] { return controller().statusPopupWindow() == nullptr; })) << "the start's popup goes";
-    dialogs().expectText(std::nullopt);
-    controller().createFolderInPane(true);
-    EXPECT_EQ(banner(), "Folder creation canceled.");
-    EXPECT_FALSE(bannerIsError());
-    dialogs().expectText(QStringLiteral("   "));
-    controller().renamePanePath(localText("keep.txt"), false, false);
-    EXPECT_EQ(banner(), "Rename canceled.") << "blanks count as canceled";
-    dialogs().expectText(QStringLiteral("keep.txt"));
-    controller().renamePanePath(localText("keep.txt"), false, false);
-    EXPECT_EQ(banner(), "Rename skipped because the name did not change.");
-    dialogs().expectAlertButton(kDecline);
-    controller().deletePanePath(localText("keep.txt"), false, false);
-    EXPECT_EQ(banner(), "Delete canceled.");
-    EXPECT_EQ(readFile(local("keep.txt")), "k");
-    EXPECT_EQ(controller().statusPopupWindow(), nullptr) << "no popup opened";
-}
-
-TEST_F(FileOperations, SeveralLocalItemsAreDeletedUntilTheFirstFailure)
-{
-    putLocalFile("a.txt", "a");
-    putLocalFile("c.txt", "c");
-    dialogs().expectAlertButton(kConfirm);
-    controller().deleteSelectedItems({item(localText("a.txt")), item(""), item(localText("missing")),
-                                         item(localText("c.txt"))},
-        false);
-    EXPECT_EQ(dialogs().questions().back().text, "Delete 4 selected item(s)?");
-    EXPECT_FALSE(fs::exists(local("a.txt")));
-    EXPECT_TRUE(fs::exists(local("c.txt"))) << "the loop ends at the first failure";
-    EXPECT_EQ(banner(), "Local delete failed: No such file or directory");
-
-    dialogs().expectAlertButton(kConfirm);
-    controller().deleteSelectedItems({item(localText("c.txt")), item("")}, false);
-    EXPECT_EQ(popupMessage(), "Deleted 2 local item(s).") << "the count is that of the selection";
-}
-
-TEST_F(FileOperations, RemoteOperationsRefuseWithoutAConnectionAfterAsking)
-{
-    disconnect();
-    dialogs().expectText(QStringLiteral("new"));
-    controller().createFolderInPane(true);
-    EXPECT_EQ(banner(), "Connect before creating a remote folder.");
-    dialogs().expectText(QStringLiteral("b"));
-    controller().renamePanePath(QStringLiteral("/a"), true, false);
-    EXPECT_EQ(banner(), "Connect before renaming a remote item.");
-    dialogs().expectAlertButton(kConfirm);
-    controller().deletePanePath(QStringLiteral("/a"), true, false);
-    EXPECT_EQ(banner(), "Connect before deleting a remote item.");
-    dialogs().expectAlertButton(kConfirm);
-    controller().deleteSelectedItems({item("/a"), item("/b")}, true);
-    EXPECT_EQ(banner(), "Connect before deleting remote items.");
-    controller().changePermissionsForItems({item("/a")}, true);
-    EXPECT_EQ(banner(), "Connect before changing permissions.");
-    EXPECT_TRUE(bannerIsError());
-    EXPECT_EQ(dialogs().questions().size(), 4u) << "permissions check the connection before asking";
-    EXPECT_FALSE(controller().deleteRemotePathRecursive("/a"));
-}
-
-TEST_F(FileOperations, EmptySelectionsAreRefusedBeforeAnyQuestion)
-{
-    controller().renamePanePath(QStringLiteral(""), true, false);
-    EXPECT_EQ(banner(), "Select an item to rename.");
-    controller().deletePanePath(QStringLiteral(""), true, false);
-    EXPECT_EQ(banner(), "Select an item to delete.");
-    controller().deleteSelectedItems({}, true);
-    EXPECT_EQ(banner(), "Select one or more items to delete.");
-    controller().changePermissionsForItems({}, true);
-    EXPECT_EQ(banner(), "Select one or more remote items to change permissions.");
-    controller().changePermissionsForItems({item(localText("a"))}, false);
-    EXPECT_EQ(banner(), "Remote-only operation.");
-    EXPECT_TRUE(dialogs().questions().empty());
-}
-
-TEST_F(FileOperations, RemoteFoldersAndFilesAreCreatedRenamedAndDeletedOnTheServer)
-{
-    dialogs().expectText(QStringLiteral("incoming"));
-    controller().createFolderInPane(true);
-    EXPECT_TRUE(fs::is_directory(server().local("/incoming")));
-    EXPECT_EQ(popupMessage(), "Created remote folder incoming.");
-    EXPECT_EQ(banner(), "Remote listing refreshed.") << "the refresh has the last word in the banner";
-
-    dialogs().expectText(QStringLiteral("incoming"));
-    controller().createFolderInPane(true);
-    EXPECT_TRUE(popupMessage().startsWith("Remote folder create failed: ")) << "an existing folder is a failure";
-
-    putRemoteFile("/incoming/a.txt", "a");
-    dialogs().expectText(QStringLiteral("b.txt"));
-    controller().renamePanePath(QStringLiteral("/incoming/a.txt"), true, false);
-    EXPECT_EQ(remoteContent("/incoming/b.txt"), "a");
-    EXPECT_EQ(popupMessage(), "Renamed remote item to b.txt.");
-
-    dialogs().expectAlertButton(kConfirm);
-    controller().deletePanePath(QStringLiteral("/incoming/b.txt"), true, false);
-    EXPECT_FALSE(remoteExists("/incoming/b.txt"));
-    EXPECT_EQ(popupMessage(), "Deleted remote item b.txt.");
-}
-
-TEST_F(FileOperations, ARemoteFolderIsDeletedWithItsWholeTree)
-{
-    putRemoteFile("/tree/a.txt", "a");
-    putRemoteFile("/tree/sub/b.txt", "b");
-    putRemoteFile("/tree/sub/deeper/c.txt", "c");
-    putRemoteFolder("/tree/empty");
-    putRemoteFile("/other.txt", "o");
-    dialogs().expectAlertButton(kConfirm);
-    controller().deletePanePath(QStringLiteral("/tree"), true, true);
-    EXPECT_FALSE(remoteExists("/tree"));
-    EXPECT_TRUE(remoteExists("/other.txt"));
-    EXPECT_EQ(popupMessage(), "Deleted remote item tree.");
-}
-
-TEST_F(FileOperations, ARecursiveDeleteStopsAtTheFirstFailureAndLogsItsCause)
-{
-    putRemoteFile("/tree/sub/b.txt", "b");
-    server().setReply("DELE", "550 Refused.");
-    dialogs().expectAlertButton(kConfirm);
-    controller().deletePanePath(QStringLiteral("/tree"), true, true);
-    EXPECT_TRUE(remoteExists("/tree/sub/b.txt"));
-    EXPECT_EQ(banner(), "Remote delete failed: recursive remote delete failed");
-    EXPECT_EQ(popupMessage(), "Remote delete failed: recursive remote delete failed");
-    ASSERT_EQ(logLines().size(), 1);
-    EXPECT_TRUE(logLines().front().startsWith("Remote nested file delete failed: ftp ")) << logLines().front().toStdString();
-
-    server().clearReplies();
-    server().setReply("LIST", "550 No.");
-    EXPECT_FALSE(controller().deleteRemotePathRecursive("/tree"));
-    EXPECT_TRUE(logLines().back().startsWith("Remote recursive delete list failed: ftp "));
-}
-
-TEST_F(FileOperations, SeveralRemoteItemsAreDeletedFoldersWithTheirTrees)
-{
-    putRemoteFile("/a.txt", "a");
-    putRemoteFile("/dir/x.txt", "x");
-    dialogs().expectAlertButton(kConfirm);
-    controller().deleteSelectedItems({item("/a.txt"), item("/dir", true)}, true);
-    EXPECT_FALSE(remoteExists("/a.txt"));
-    EXPECT_FALSE(remoteExists("/dir"));
-    EXPECT_EQ(popupMessage(), "Deleted 2 remote item(s).");
-}
-
-// The mode travels to the server in decimal, so the digits the server reads are not those the
-// user typed: 644 arrives as 420, and a mode whose decimal form holds an 8 or a 9 is refused.
-TEST_F(FileOperations, PermissionsAreProposedFromTheFirstItemAndSentToTheServerAsADecimalNumber)
-{
-    putRemoteFile("/a.sh", "a");
-    putRemoteFile("/b.sh", "b");
-    dialogs().expectText(QStringLiteral("rw-r--r--"));
-    controller().changePermissionsForItems({item("/a.sh", false, "-rwxr-xr-x"), item(""), item("/b.sh")}, true);
-    EXPECT_EQ(dialogs().questions().back().title, "Change Permissions");
-    EXPECT_EQ(dialogs().questions().back().text, "Enter numeric octal (644) or symbolic (rwxr-xr-x).");
-    EXPECT_EQ(dialogs().questions().back().options, (QStringList{"755", "644 or rwxr-xr-x"}));
-    EXPECT_EQ(server().receivedCommands({"SITE"}), (std::vector<std::string>{"SITE CHMOD 420 /a.sh", "SITE CHMOD 420 /b.sh"}));
-    EXPECT_EQ(modeOf("/a.sh"), 0420);
-    EXPECT_EQ(modeOf("/b.sh"), 0420);
-    EXPECT_EQ(popupMessage(), "Updated permissions of 3 remote item(s) to 644.");
-    EXPECT_EQ(banner(), "Remote listing refreshed.");
-
-    dialogs().expectText(QStringLiteral("rwxr-xr-s"));
-    controller().changePermissionsForItems({item("/a.sh", false, "")}, true);
-    EXPECT_EQ(dialogs().questions().back().options.front(), "755") << "nothing to read proposes 755";
-    EXPECT_EQ(banner(), "Invalid permission format. Use octal (644) or symbolic (rwxr-xr-x).");
-    EXPECT_TRUE(bannerIsError());
-
-    dialogs().expectText(QStringLiteral("750"));
-    controller().changePermissionsForItems({item("/a.sh", false, "weird"), item("/b.sh")}, true);
-    EXPECT_EQ(dialogs().questions().back().options.front(), "weird") << "unreadable text is offered as it stands";
-    EXPECT_TRUE(popupMessage().startsWith("Remote permission change failed: ftp operation failed: "))
-        << "the server reads 488 as octal and refuses it";
-    EXPECT_EQ(modeOf("/a.sh"), 0420);
-    EXPECT_EQ(server().receivedCommands({"SITE"}).size(), 3u) << "the first failure ends the loop";
-}
-
-// A local file dropped on the real remote pane, the way a user drags it there.
-class DropOnRemotePane : public ConnectedShellTest {
-protected:
+    // Drops local files on the real remote pane, on the row of that name ("" below the rows).
     bool drop(QStringList const& localPaths, QString const& onRowNamed)
     {
         QMimeData data;
@@ -290,67 +55,252 @@ protected:
         int row = -1;
         app::PaneEntries const& rows = remotePane().model()->entries();
         for (int index = 0; index < int(rows.size()); ++index) {
-            if (rows[index].name == onRowNamed) {
-                row = index;
-            }
+            row = rows[index].name == onRowNamed ? index : row;
         }
         return remotePane().acceptDrop(&data, row);
     }
+
+private:
+    QPlainTextEdit log_;
 };
 
-TEST_F(DropOnRemotePane, AFileDroppedOnAFolderRowGoesIntoThatFolder)
+TEST_F(FileOperations, LocalItemsAreCreatedRenamedAndDeletedOrTheSystemsWordsAreShown)
 {
-    putLocalFile("photo.jpg", "jpg");
-    putRemoteFolder("/albums");
+    dialogs().expectText(QStringLiteral("  Reports  "));
+    controller().createFolderInPane(false);
+    EXPECT_TRUE(fs::is_directory(local("Reports")));
+    EXPECT_EQ(popupMessage(), "Created local folder Reports.");
+    EXPECT_EQ(banner(), "✅ Created local folder Reports");
+    EXPECT_EQ(dialogs().questions().front().title, "Create Folder");
+    EXPECT_EQ(dialogs().questions().front().text, "Enter a new local folder name.");
+    EXPECT_EQ(dialogs().questions().front().options, (QStringList{"", "New Folder"}));
+
+    dialogs().expectText(QStringLiteral("Archive"));
+    controller().renamePanePath(localText("Reports"), false, true);
+    EXPECT_TRUE(fs::is_directory(local("Archive")));
+    EXPECT_EQ(dialogs().questions().back().options, (QStringList{"Reports", "Reports"}));
+    EXPECT_EQ(popupMessage(), "Renamed local item to Archive.");
+
+    putLocal("Archive/inner.txt", "x");
+    dialogs().expectAlertButton(kConfirm);
+    controller().deletePanePath(localText("Archive"), false, true);
+    EXPECT_EQ(lastQuestion(), "Delete \"Archive\"?");
+    EXPECT_EQ(dialogs().questions().back().options, (QStringList{"Delete", "Cancel"}));
+    EXPECT_FALSE(fs::exists(local("Archive"))) << "a folder goes with its contents";
+    EXPECT_EQ(banner(), "✅ Deleted local item Archive");
+
+    putLocal("taken/");
+    putLocal("other.txt", "o");
+    dialogs().expectText(QStringLiteral("taken"));
+    controller().createFolderInPane(false);
+    EXPECT_EQ(banner(), "⚠️ Local folder create failed: File exists");
+    EXPECT_EQ(popupMessage(), "Local folder create failed: File exists");
+    dialogs().expectText(QStringLiteral("taken"));
+    controller().renamePanePath(localText("other.txt"), false, false);
+    EXPECT_EQ(banner(), "⚠️ Local rename failed: File exists") << "a move never replaces what is there";
+    EXPECT_EQ(readFile(local("other.txt")), "o");
+    dialogs().expectAlertButton(kConfirm);
+    controller().deletePanePath(localText("gone.txt"), false, false);
+    EXPECT_EQ(banner(), "⚠️ Local delete failed: No such file or directory");
+
+    putLocal("a.txt", "a");
+    putLocal("c.txt", "c");
+    dialogs().expectAlertButton(kConfirm);
+    controller().deleteSelectedItems(
+        {item(localText("a.txt")), item(""), item(localText("missing")), item(localText("c.txt"))}, false);
+    EXPECT_EQ(lastQuestion(), "Delete 4 selected item(s)?");
+    EXPECT_FALSE(fs::exists(local("a.txt")));
+    EXPECT_TRUE(fs::exists(local("c.txt"))) << "the loop ends at the first failure";
+    EXPECT_EQ(banner(), "⚠️ Local delete failed: No such file or directory");
+    dialogs().expectAlertButton(kConfirm);
+    controller().deleteSelectedItems({item(localText("c.txt")), item("")}, false);
+    EXPECT_EQ(popupMessage(), "Deleted 2 local item(s).") << "the count is that of the selection";
+}
+
+TEST_F(FileOperations, CanceledUnchangedAndEmptyRequestsTouchNothing)
+{
+    putLocal("keep.txt", "k");
+    waitForThePopupToGo();
+    dialogs().expectText(std::nullopt);
+    controller().createFolderInPane(true);
+    EXPECT_EQ(banner(), "✅ Folder creation canceled.");
+    dialogs().expectText(QStringLiteral("   "));
+    controller().renamePanePath(localText("keep.txt"), false, false);
+    EXPECT_EQ(banner(), "✅ Rename canceled.") << "blanks count as canceled";
+    dialogs().expectText(QStringLiteral("keep.txt"));
+    controller().renamePanePath(localText("keep.txt"), false, false);
+    EXPECT_EQ(banner(), "✅ Rename skipped because the name did not change.");
+    dialogs().expectAlertButton(kDecline);
+    controller().deletePanePath(localText("keep.txt"), false, false);
+    EXPECT_EQ(banner(), "✅ Delete canceled.");
+    EXPECT_EQ(readFile(local("keep.txt")), "k");
+    EXPECT_EQ(controller().statusPopupWindow(), nullptr) << "no popup opened";
+
+    std::size_t const asked = dialogs().questions().size();
+    controller().renamePanePath(QStringLiteral(""), true, false);
+    EXPECT_EQ(banner(), "⚠️ Select an item to rename.");
+    controller().deletePanePath(QStringLiteral(""), true, false);
+    EXPECT_EQ(banner(), "⚠️ Select an item to delete.");
+    controller().deleteSelectedItems({}, true);
+    EXPECT_EQ(banner(), "⚠️ Select one or more items to delete.");
+    controller().changePermissionsForItems({}, true);
+    EXPECT_EQ(banner(), "⚠️ Select one or more remote items to change permissions.");
+    controller().changePermissionsForItems({item(localText("keep.txt"))}, false);
+    EXPECT_EQ(banner(), "⚠️ Remote-only operation.");
+    EXPECT_EQ(dialogs().questions().size(), asked) << "refused before any question";
+}
+
+TEST_F(FileOperations, WithoutAConnectionRemoteRequestsAreRefusedAfterAskingAndTransfersWithoutAPopup)
+{
+    putLocal("a.txt", "A");
+    controller().setSession(nullptr);
+    waitForThePopupToGo();
+    transfer(JobType::Upload, localText("a.txt"), QStringLiteral("/a.txt"));
+    EXPECT_EQ(banner(), "⚠️ Connect before starting transfer (Upload or Download).");
+    EXPECT_EQ(controller().statusPopupWindow(), nullptr);
+    EXPECT_TRUE(jobs().empty());
+
+    dialogs().expectText(QStringLiteral("new"));
+    controller().createFolderInPane(true);
+    EXPECT_EQ(banner(), "⚠️ Connect before creating a remote folder.");
+    dialogs().expectText(QStringLiteral("b"));
+    controller().renamePanePath(QStringLiteral("/a"), true, false);
+    EXPECT_EQ(banner(), "⚠️ Connect before renaming a remote item.");
+    dialogs().expectAlertButton(kConfirm);
+    controller().deletePanePath(QStringLiteral("/a"), true, false);
+    EXPECT_EQ(banner(), "⚠️ Connect before deleting a remote item.");
+    dialogs().expectAlertButton(kConfirm);
+    controller().deleteSelectedItems({item("/a"), item("/b")}, true);
+    EXPECT_EQ(banner(), "⚠️ Connect before deleting remote items.");
+    controller().changePermissionsForItems({item("/a")}, true);
+    EXPECT_EQ(banner(), "⚠️ Connect before changing permissions.");
+    EXPECT_EQ(dialogs().questions().size(), 4u) << "permissions check the connection before asking";
+    EXPECT_FALSE(controller().deleteRemotePathRecursive("/a"));
+}
+
+TEST_F(FileOperations, RemoteItemsAreCreatedRenamedAndDeletedWithTheirTreesUntilTheFirstFailure)
+{
+    dialogs().expectText(QStringLiteral("incoming"));
+    controller().createFolderInPane(true);
+    EXPECT_TRUE(fs::is_directory(server().local("/incoming")));
+    EXPECT_EQ(popupMessage(), "Created remote folder incoming.");
+    EXPECT_EQ(banner(), "✅ Remote listing refreshed.") << "the refresh has the last word in the banner";
+    dialogs().expectText(QStringLiteral("incoming"));
+    controller().createFolderInPane(true);
+    EXPECT_TRUE(popupMessage().startsWith("Remote folder create failed: ")) << "an existing folder is a failure";
+
+    putRemote("/incoming/a.txt", "a");
+    dialogs().expectText(QStringLiteral("b.txt"));
+    controller().renamePanePath(QStringLiteral("/incoming/a.txt"), true, false);
+    EXPECT_EQ(remoteContent("/incoming/b.txt"), "a");
+    EXPECT_EQ(popupMessage(), "Renamed remote item to b.txt.");
+    dialogs().expectAlertButton(kConfirm);
+    controller().deletePanePath(QStringLiteral("/incoming/b.txt"), true, false);
+    EXPECT_FALSE(remoteExists("/incoming/b.txt"));
+    EXPECT_EQ(popupMessage(), "Deleted remote item b.txt.");
+
+    for (std::string const path : {"/tree/a.txt", "/tree/sub/b.txt", "/tree/sub/deeper/c.txt", "/tree/empty/",
+                                   "/other.txt", "/dir/x.txt"}) {
+        putRemote(path, "x");
+    }
+    dialogs().expectAlertButton(kConfirm);
+    controller().deletePanePath(QStringLiteral("/tree"), true, true);
+    EXPECT_FALSE(remoteExists("/tree"));
+    EXPECT_EQ(popupMessage(), "Deleted remote item tree.");
+    dialogs().expectAlertButton(kConfirm);
+    controller().deleteSelectedItems({item("/other.txt"), item("/dir", true)}, true);
+    EXPECT_FALSE(remoteExists("/other.txt"));
+    EXPECT_FALSE(remoteExists("/dir"));
+    EXPECT_EQ(popupMessage(), "Deleted 2 remote item(s).");
+    EXPECT_TRUE(remoteExists("/incoming"));
+
+    putRemote("/tree/sub/b.txt", "b");
+    server().setReply("DELE", "550 Refused.");
+    dialogs().expectAlertButton(kConfirm);
+    controller().deletePanePath(QStringLiteral("/tree"), true, true);
+    EXPECT_TRUE(remoteExists("/tree/sub/b.txt"));
+    EXPECT_EQ(banner(), "⚠️ Remote delete failed: recursive remote delete failed");
+    EXPECT_EQ(popupMessage(), "Remote delete failed: recursive remote delete failed");
+    ASSERT_EQ(logLines().size(), 1);
+    EXPECT_TRUE(logLines().front().startsWith("Remote nested file delete failed: ftp ")) << logLines().front().toStdString();
+    server().clearReplies();
+    server().setReply("LIST", "550 No.");
+    EXPECT_FALSE(controller().deleteRemotePathRecursive("/tree"));
+    EXPECT_TRUE(logLines().back().startsWith("Remote recursive delete list failed: ftp "));
+}
+
+// The mode travels to the server in decimal, so the digits the server reads are not those the
+// user typed: 644 arrives as 420, and a mode whose decimal form holds an 8 or a 9 is refused.
+TEST_F(FileOperations, PermissionsAreProposedFromTheFirstItemAndSentToTheServerAsADecimalNumber)
+{
+    putRemote("/a.sh", "a");
+    putRemote("/b.sh", "b");
+    auto const modeOf = [this](std::string const& remotePath) {
+        struct stat info{};
+        ::stat(server().local(remotePath).c_str(), &info);
+        return int(info.st_mode & 07777);
+    };
+    dialogs().expectText(QStringLiteral("rw-r--r--"));
+    controller().changePermissionsForItems({item("/a.sh", false, "-rwxr-xr-x"), item(""), item("/b.sh")}, true);
+    EXPECT_EQ(dialogs().questions().back().title, "Change Permissions");
+    EXPECT_EQ(lastQuestion(), "Enter numeric octal (644) or symbolic (rwxr-xr-x).");
+    EXPECT_EQ(dialogs().questions().back().options, (QStringList{"755", "644 or rwxr-xr-x"}));
+    EXPECT_EQ(server().receivedCommands({"SITE"}),
+              (std::vector<std::string>{"SITE CHMOD 420 /a.sh", "SITE CHMOD 420 /b.sh"}));
+    EXPECT_EQ(modeOf("/a.sh"), 0420);
+    EXPECT_EQ(modeOf("/b.sh"), 0420);
+    EXPECT_EQ(popupMessage(), "Updated permissions of 3 remote item(s) to 644.");
+    EXPECT_EQ(banner(), "✅ Remote listing refreshed.");
+
+    dialogs().expectText(QStringLiteral("rwxr-xr-s"));
+    controller().changePermissionsForItems({item("/a.sh", false, "")}, true);
+    EXPECT_EQ(dialogs().questions().back().options.front(), "755") << "nothing to read proposes 755";
+    EXPECT_EQ(banner(), "⚠️ Invalid permission format. Use octal (644) or symbolic (rwxr-xr-x).");
+
+    dialogs().expectText(QStringLiteral("750"));
+    controller().changePermissionsForItems({item("/a.sh", false, "weird"), item("/b.sh")}, true);
+    EXPECT_EQ(dialogs().questions().back().options.front(), "weird") << "unreadable text is offered as it stands";
+    EXPECT_TRUE(popupMessage().startsWith("Remote permission change failed: ftp operation failed: "))
+        << "the server reads 488 as octal and refuses it";
+    EXPECT_EQ(modeOf("/a.sh"), 0420);
+    EXPECT_EQ(server().receivedCommands({"SITE"}).size(), 3u) << "the first failure ends the loop";
+}
+
+TEST_F(FileOperations, ADropUploadsIntoTheFolderRowOrTheRootButOnAFileRowAimsAtItsFolderItself)
+{
+    putLocal("photo.jpg", "jpg");
+    putLocal("b.txt", "b");
+    putRemote("/albums/old.jpg", "old");
     controller().refreshRemoteDirectory();
     EXPECT_TRUE(drop({localText("photo.jpg")}, "albums"));
     EXPECT_EQ(remoteContent("/albums/photo.jpg"), "jpg");
     EXPECT_EQ(popupMessage(), "Transfer completed.");
-}
+    EXPECT_TRUE(drop({localText("photo.jpg")}, ""));
+    EXPECT_EQ(remoteContent("/photo.jpg"), "jpg");
 
-TEST_F(DropOnRemotePane, AFileDroppedOnAFileRowInASubfolderIsAimedAtTheFolderItselfAndAsksToReplaceIt)
-{
-    putLocalFile("photo.jpg", "jpg");
-    putRemoteFile("/albums/old.jpg", "old");
-    remotePane().setPathValue(QStringLiteral("/albums"));
-    controller().refreshRemoteDirectory();
+    EXPECT_TRUE(drop({localText("photo.jpg"), localText("b.txt")}, ""));
+    EXPECT_EQ(banner(), "⚠️ Multi-file drag upload is not implemented yet. Drop one item at a time.");
+    controller().didDropPaths(&localPane(), {localText("b.txt")}, QStringLiteral("/"), false);
+    controller().didDropPaths(&remotePane(), {QStringLiteral("")}, QStringLiteral("/"), true);
+    EXPECT_EQ(banner(), "⚠️ Dropped item path is invalid.");
+    EXPECT_EQ(jobs().size(), 2u);
+    EXPECT_FALSE(remoteExists("/b.txt"));
 
     // The pane aims a drop on a file row at its current folder; no row of that folder is the
     // folder itself, so the shell takes the target for a file and asks about replacing it.
+    remotePane().setPathValue(QStringLiteral("/albums"));
+    controller().refreshRemoteDirectory();
     dialogs().expectCheckBoxAlert(kCancel, false);
-    EXPECT_TRUE(drop({localText("photo.jpg")}, "old.jpg"));
+    EXPECT_TRUE(drop({localText("b.txt")}, "old.jpg"));
     ASSERT_EQ(dialogs().questions().size(), 1u);
-    EXPECT_EQ(dialogs().questions().front().text, "File \"albums\" already exists at the destination.");
-    ASSERT_EQ(jobs().size(), 1u);
-    EXPECT_EQ(jobs().front().remotePath, "/albums");
-    EXPECT_EQ(jobs().front().state, JobState::Canceled);
-
+    EXPECT_EQ(lastQuestion(), "File \"albums\" already exists at the destination.");
+    EXPECT_EQ(jobs().back().remotePath, "/albums");
+    EXPECT_EQ(jobs().back().state, JobState::Canceled);
     dialogs().expectCheckBoxAlert(kReplace, false);
-    drop({localText("photo.jpg")}, "old.jpg");
+    drop({localText("b.txt")}, "old.jpg");
     EXPECT_EQ(jobs().back().state, JobState::Failed) << "the upload onto a folder's path fails on the server";
     EXPECT_EQ(popupMessage(), "Transfer failed.");
     EXPECT_EQ(remoteContent("/albums/old.jpg"), "old");
-}
-
-TEST_F(DropOnRemotePane, AFileDroppedBelowTheRowsOfTheRootGoesIntoTheRoot)
-{
-    putLocalFile("notes.txt", "n");
-    EXPECT_TRUE(drop({localText("notes.txt")}, ""));
-    EXPECT_EQ(remoteContent("/notes.txt"), "n");
-}
-
-TEST_F(DropOnRemotePane, TwoFilesAtOnceAreRefusedAndALocalDropDoesNothing)
-{
-    putLocalFile("a.txt", "a");
-    putLocalFile("b.txt", "b");
-    EXPECT_TRUE(drop({localText("a.txt"), localText("b.txt")}, ""));
-    EXPECT_EQ(banner(), "Multi-file drag upload is not implemented yet. Drop one item at a time.");
-    EXPECT_TRUE(bannerIsError());
-    controller().didDropPaths(&localPane(), {localText("a.txt")}, QStringLiteral("/"), false);
-    controller().didDropPaths(&remotePane(), {QStringLiteral("")}, QStringLiteral("/"), true);
-    EXPECT_EQ(banner(), "Dropped item path is invalid.");
-    EXPECT_TRUE(jobs().empty());
-    EXPECT_FALSE(remoteExists("/a.txt"));
 }
 
 } // namespace

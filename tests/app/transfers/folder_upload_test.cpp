@@ -10,6 +10,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 namespace perchftp::test {
 namespace {
 
@@ -45,36 +47,30 @@ class FolderUpload : public ConnectedShellTest {
 protected:
     void uploadFolder(std::string const& relative, QString const& remotePath = QStringLiteral("/"))
     {
-        controller().localTransferField()->setText(localText(relative));
-        controller().remoteTransferField()->setText(remotePath);
-        controller().enqueueUpload();
+        transfer(JobType::Upload, localText(relative), remotePath);
     }
 
-    std::vector<std::string> jobRemotePaths()
+    std::vector<transfer::TransferQueueItem> jobsByRemotePath()
     {
-        std::vector<std::string> paths;
-        for (auto const& job : jobs()) {
-            paths.push_back(job.remotePath);
-        }
-        std::sort(paths.begin(), paths.end());
-        return paths;
+        std::vector<transfer::TransferQueueItem> all = jobs();
+        std::sort(all.begin(), all.end(), [](auto const& a, auto const& b) { return a.remotePath < b.remotePath; });
+        return all;
     }
 };
 
 TEST_F(FolderUpload, NestedFoldersEmptyFoldersAndLinksArriveAsTheWalkFindsThem)
 {
-    putLocalFile("site/index.html", "<html>");
-    putLocalFile("site/css/main.css", "body{}");
-    putLocalFile("site/css/print/paper.css", "@page{}");
-    fs::create_directories(localFolder() / "site/empty");
-    putLocalFile("elsewhere/shared.txt", "shared");
-    putLocalFile("elsewhere/deep/inner.txt", "inner");
-    fs::create_symlink(localFolder() / "elsewhere/shared.txt", localFolder() / "site/linked.txt");
-    fs::create_directory_symlink(localFolder() / "elsewhere/deep", localFolder() / "site/linked-folder");
+    putLocal("site/index.html", "<html>");
+    putLocal("site/css/main.css", "body{}");
+    putLocal("site/css/print/paper.css", "@page{}");
+    putLocal("site/empty/");
+    putLocal("elsewhere/shared.txt", "shared");
+    putLocal("elsewhere/deep/inner.txt", "inner");
+    fs::create_symlink(local("elsewhere/shared.txt"), local("site/linked.txt"));
+    fs::create_directory_symlink(local("elsewhere/deep"), local("site/linked-folder"));
     ASSERT_EQ(::mkfifo(local("site/pipe").c_str(), 0600), 0);
     selectLocal({"site"});
     recordQueueRowStates(0);
-
     controller().centerUploadAction();
 
     EXPECT_EQ(remoteContent("/site/index.html"), "<html>");
@@ -85,129 +81,48 @@ TEST_F(FolderUpload, NestedFoldersEmptyFoldersAndLinksArriveAsTheWalkFindsThem)
     EXPECT_TRUE(fs::is_directory(server().local("/site/linked-folder")));
     EXPECT_TRUE(fs::is_empty(server().local("/site/linked-folder"))) << "a link to a folder is not descended";
     EXPECT_FALSE(remoteExists("/site/pipe")) << "a pipe is passed over";
-    EXPECT_EQ(jobRemotePaths(), (std::vector<std::string>{"/site/css/main.css", "/site/css/print/paper.css",
-                                    "/site/index.html", "/site/linked.txt"}))
-        << "one job per file, none for a folder";
-    for (auto const& job : jobs()) {
+    std::vector<std::string> paths;
+    for (auto const& job : jobsByRemotePath()) {
+        paths.push_back(job.remotePath);
         EXPECT_EQ(job.state, JobState::Completed) << job.remotePath;
     }
-    EXPECT_EQ(recordedStates(), (QStringList{"Queued", "Running", "Completed"})) << "the first file's row";
+    EXPECT_EQ(paths, (std::vector<std::string>{"/site/css/main.css", "/site/css/print/paper.css", "/site/index.html",
+                                               "/site/linked.txt"}))
+        << "one job per file, none for a folder";
+    EXPECT_EQ(recordedStates, (QStringList{"Queued", "Running", "Completed"})) << "the first file's row";
     EXPECT_EQ(popupMessage(), "Folder upload completed.");
-    EXPECT_EQ(banner(), "Remote listing refreshed.") << "the refresh after the folder's own words has the banner";
-    EXPECT_TRUE(dialogs().questions().empty());
-}
+    EXPECT_EQ(banner(), "✅ Remote listing refreshed.") << "the refresh after the folder's own words has the banner";
 
-TEST_F(FolderUpload, AnEmptyFolderMakesTheRemoteFolderAndNoJob)
-{
-    fs::create_directories(localFolder() / "nothing");
+    putLocal("nothing/");
     uploadFolder("nothing");
     EXPECT_TRUE(fs::is_directory(server().local("/nothing")));
-    EXPECT_TRUE(jobs().empty());
+    EXPECT_EQ(jobs().size(), 4u) << "an empty folder makes no job";
     EXPECT_EQ(popupMessage(), "Folder upload completed.");
-}
 
-TEST_F(FolderUpload, ARemotePathThatIsNotTheRootIsTheFoldersTarget)
-{
-    putLocalFile("photos/a.jpg", "A");
+    putLocal("photos/a.jpg", "A");
     uploadFolder("photos", QStringLiteral("/backup/"));
     EXPECT_EQ(remoteContent("/backup/a.jpg"), "A") << "a folder's target ending in / stands as it is";
     EXPECT_EQ(controller().remoteTransferField()->text(), "/backup/");
-}
 
-TEST_F(FolderUpload, ReplacingAnExistingRemoteFolderStopsAtItsMkdirWhoseWordsDoNotSayExist)
-{
-    putLocalFile("docs/a.txt", "new");
-    putRemoteFile("/docs/a.txt", "old");
-    dialogs().expectCheckBoxAlert(kReplace, false);
-    uploadFolder("docs");
-
-    ASSERT_EQ(dialogs().questions().size(), 1u);
-    EXPECT_EQ(dialogs().questions().front().text, "Folder \"docs\" already exists at the destination.");
-    EXPECT_TRUE(bannerIsError());
-    EXPECT_TRUE(banner().startsWith("Remote folder create failed: ftp operation failed: ")) << banner().toStdString();
+    putLocal("loose/x.txt", "x");
+    uploadFolder("loose/");
+    EXPECT_EQ(controller().remoteTransferField()->text(), "/") << "an empty file name leaves the remote root as it is";
+    EXPECT_TRUE(banner().startsWith("⚠️ Remote folder create failed: ftp operation failed: ")) << banner().toStdString();
     EXPECT_EQ(popupMessage(), "Folder upload failed.");
-    EXPECT_EQ(remoteContent("/docs/a.txt"), "old");
-    EXPECT_TRUE(jobs().empty());
+    EXPECT_FALSE(remoteExists("/x.txt"));
 }
 
-// A server that answers MKD of an existing folder with success, so that the walk goes on into
-// the folder and meets the files one by one.
-class FolderUploadIntoExistingTree : public FolderUpload {
-protected:
-    void SetUp() override
-    {
-        FolderUpload::SetUp();
-        putLocalFile("docs/a.txt", "new a");
-        putLocalFile("docs/b.txt", "new b");
-        putLocalFile("docs/sub/c.txt", "new c");
-        putRemoteFile("/docs/a.txt", "old a");
-        putRemoteFile("/docs/b.txt", "old b");
-        putRemoteFile("/docs/sub/c.txt", "old c");
-        server().setReply("MKD", "257 \"folder\" is there.");
-    }
-};
-
-TEST_F(FolderUploadIntoExistingTree, ARememberedReplaceAnswersEveryLaterConflictOfTheFolder)
+TEST_F(FolderUpload, AnExistingRemoteFolderIsCanceledSkippedUnderTheLocalRootOrReplacedUpToItsMkdir)
 {
-    dialogs().expectCheckBoxAlert(kReplace, true);
-    uploadFolder("docs");
-    EXPECT_EQ(dialogs().questions().size(), 1u);
-    EXPECT_EQ(remoteContent("/docs/a.txt"), "new a");
-    EXPECT_EQ(remoteContent("/docs/b.txt"), "new b");
-    EXPECT_EQ(remoteContent("/docs/sub/c.txt"), "new c");
-    EXPECT_EQ(jobs().size(), 3u);
-    EXPECT_EQ(popupMessage(), "Folder upload completed.");
-
-    dialogs().expectCheckBoxAlert(kCancel, false);
-    uploadFolder("docs");
-    EXPECT_EQ(dialogs().questions().size(), 2u) << "the next transfer asks again";
-}
-
-TEST_F(FolderUploadIntoExistingTree, ARememberedSkipLeavesEveryLaterConflictOutAndSkipsAFoldersContents)
-{
-    dialogs().expectCheckBoxAlert(kReplace, false); // the folder itself
-    dialogs().expectCheckBoxAlert(kSkip, true);     // the first entry, whatever it is
-    uploadFolder("docs");
-    EXPECT_EQ(dialogs().questions().size(), 2u);
-    EXPECT_EQ(remoteContent("/docs/a.txt"), "old a");
-    EXPECT_EQ(remoteContent("/docs/b.txt"), "old b");
-    EXPECT_EQ(remoteContent("/docs/sub/c.txt"), "old c");
-    std::vector<std::string> const skipped = jobRemotePaths();
-    EXPECT_EQ(skipped, (std::vector<std::string>{"/docs/a.txt", "/docs/b.txt", "/docs/sub"}))
-        << "the skipped folder's contents are not visited";
-    for (auto const& job : jobs()) {
-        EXPECT_EQ(job.state, JobState::Skipped);
-        EXPECT_EQ(job.error, "skipped by user");
-        EXPECT_EQ(job.localPath, job.remotePath == "/docs/sub" ? local("docs") : local(job.remotePath.substr(1)))
-            << "a skipped folder is recorded under the local root, a file under its own path";
-    }
-    EXPECT_EQ(popupMessage(), "Folder upload completed.") << "skips don't make the walk fail";
-}
-
-TEST_F(FolderUploadIntoExistingTree, ACancelInsideTheFolderEndsTheWalkWithDifferentWordsInBannerAndPopup)
-{
-    dialogs().expectCheckBoxAlert(kReplace, false);
-    dialogs().expectCheckBoxAlert(kCancel, true);
-    uploadFolder("docs");
-    EXPECT_EQ(banner(), "Folder upload canceled.");
-    EXPECT_FALSE(bannerIsError());
-    EXPECT_EQ(popupMessage(), "Folder upload failed.");
-    ASSERT_EQ(jobs().size(), 1u);
-    EXPECT_EQ(jobs().front().state, JobState::Canceled);
-    EXPECT_FALSE(controller().rememberTransferConflictDecision());
-}
-
-TEST_F(FolderUpload, CancelOrSkipOfTheWholeFolderIsRecordedUnderTheLocalRoot)
-{
-    putLocalFile("docs/a.txt", "new");
-    putRemoteFolder("/docs");
+    putLocal("docs/a.txt", "new");
+    putRemote("/docs/a.txt", "old");
     dialogs().expectCheckBoxAlert(kCancel, false);
     uploadFolder("docs");
     EXPECT_EQ(popupMessage(), "Folder upload canceled.");
     dialogs().expectCheckBoxAlert(kSkip, false);
     uploadFolder("docs");
     EXPECT_EQ(popupMessage(), "Folder upload skipped.");
-    EXPECT_EQ(banner(), "Folder upload skipped.");
+    EXPECT_EQ(banner(), "✅ Folder upload skipped.");
     ASSERT_EQ(jobs().size(), 2u);
     EXPECT_EQ(jobs()[0].state, JobState::Canceled);
     EXPECT_EQ(jobs()[1].state, JobState::Skipped);
@@ -215,18 +130,97 @@ TEST_F(FolderUpload, CancelOrSkipOfTheWholeFolderIsRecordedUnderTheLocalRoot)
         EXPECT_EQ(job.localPath, local("docs"));
         EXPECT_EQ(job.remotePath, "/docs");
     }
+
+    // The adapter's words for a failed mkdir never say "exist", so a replace stops there.
+    dialogs().expectCheckBoxAlert(kReplace, false);
+    uploadFolder("docs");
+    EXPECT_EQ(dialogs().questions().back().text, "Folder \"docs\" already exists at the destination.");
+    EXPECT_TRUE(banner().startsWith("⚠️ Remote folder create failed: ftp operation failed: ")) << banner().toStdString();
+    EXPECT_EQ(popupMessage(), "Folder upload failed.");
+    EXPECT_EQ(remoteContent("/docs/a.txt"), "old");
+    EXPECT_EQ(jobs().size(), 2u);
 }
 
-TEST_F(FolderUpload, AFileThatFailsEndsTheWalkAndWhatWasUploadedStays)
+// A server that answers MKD of an existing folder with success, so that the walk goes on into the
+// folder and meets the files one by one.
+TEST_F(FolderUpload, InsideAnExistingTreeARememberedAnswerTakesEveryLaterConflictOfThatTransfer)
 {
-    putLocalFile("batch/one.txt", "1");
-    putLocalFile("batch/two.txt", "2");
-    putLocalFile("batch/three.txt", "3");
+    for (std::string const name : {"a.txt", "b.txt", "sub/c.txt"}) {
+        putLocal("docs/" + name, "new " + name);
+        putRemote("/docs/" + name, "old " + name);
+    }
+    server().setReply("MKD", "257 \"folder\" is there.");
+
+    dialogs().expectCheckBoxAlert(kReplace, false); // the folder itself
+    dialogs().expectCheckBoxAlert(kSkip, true);     // the first entry, whatever it is
+    uploadFolder("docs");
+    EXPECT_EQ(remoteContent("/docs/a.txt"), "old a.txt");
+    EXPECT_EQ(remoteContent("/docs/sub/c.txt"), "old sub/c.txt");
+    std::vector<std::string> skipped;
+    for (auto const& job : jobsByRemotePath()) {
+        skipped.push_back(job.remotePath);
+        EXPECT_EQ(job.state, JobState::Skipped);
+        EXPECT_EQ(job.error, "skipped by user");
+        EXPECT_EQ(job.localPath, job.remotePath == "/docs/sub" ? local("docs") : local(job.remotePath.substr(1)))
+            << "a skipped folder is recorded under the local root, a file under its own path";
+    }
+    EXPECT_EQ(skipped, (std::vector<std::string>{"/docs/a.txt", "/docs/b.txt", "/docs/sub"}))
+        << "the skipped folder's contents are not visited";
+    EXPECT_EQ(popupMessage(), "Folder upload completed.") << "skips don't make the walk fail";
+
+    dialogs().expectCheckBoxAlert(kReplace, false);
+    dialogs().expectCheckBoxAlert(kCancel, true);
+    uploadFolder("docs");
+    EXPECT_EQ(banner(), "✅ Folder upload canceled.");
+    EXPECT_EQ(popupMessage(), "Folder upload failed.") << "a cancel inside the folder ends the walk";
+    ASSERT_EQ(jobs().size(), 4u);
+    EXPECT_EQ(jobs().back().state, JobState::Canceled);
+    EXPECT_FALSE(controller().rememberTransferConflictDecision());
+
+    dialogs().expectCheckBoxAlert(kReplace, true);
+    uploadFolder("docs");
+    EXPECT_EQ(dialogs().questions().size(), 5u);
+    EXPECT_EQ(remoteContent("/docs/a.txt"), "new a.txt");
+    EXPECT_EQ(remoteContent("/docs/b.txt"), "new b.txt");
+    EXPECT_EQ(remoteContent("/docs/sub/c.txt"), "new sub/c.txt");
+    EXPECT_EQ(jobs().size(), 7u);
+    EXPECT_EQ(popupMessage(), "Folder upload completed.");
+    dialogs().expectCheckBoxAlert(kCancel, false);
+    uploadFolder("docs");
+    EXPECT_EQ(dialogs().questions().size(), 6u) << "the next transfer asks again";
+}
+
+TEST_F(FolderUpload, UnreadableFoldersUnresolvablePathsAndADroppedConnectionEndTheWalk)
+{
+    putLocal("tree/locked/secret.txt", "s");
+    putLocal("names/listable/inside.txt", "i");
+    fs::permissions(local(""), fs::perms::all);
+    for (std::string const top : {"tree", "names"}) {
+        fs::permissions(local(top), fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    }
+    fs::permissions(local("tree/locked"), fs::perms::none);
+    // Readable but not searchable: the names can be listed, their paths can't be looked at.
+    fs::permissions(local("names/listable"), fs::perms::owner_read | fs::perms::others_read);
+    {
+        FileAccessAsNobody const asNobody;
+        uploadFolder("tree");
+        EXPECT_EQ(popupMessage(), "Folder upload completed.") << "a failed iteration is at its end";
+        uploadFolder("names");
+    }
+    fs::permissions(local("tree/locked"), fs::perms::owner_all);
+    fs::permissions(local("names/listable"), fs::perms::owner_all);
+    EXPECT_TRUE(fs::is_directory(server().local("/tree/locked")));
+    EXPECT_FALSE(remoteExists("/tree/locked/secret.txt"));
+    EXPECT_EQ(banner(), "⚠️ Folder upload path resolution failed.");
+    EXPECT_EQ(popupMessage(), "Folder upload failed.");
+    EXPECT_TRUE(jobs().empty());
+
+    putLocal("batch/one.txt", "1");
+    putLocal("batch/two.txt", "2");
+    putLocal("batch/three.txt", "3");
     server().setReply("STOR two.txt", "CLOSE");
     uploadFolder("batch");
-
-    EXPECT_TRUE(bannerIsError());
-    EXPECT_TRUE(banner().startsWith("Transfer failed: ftp upload: ")) << banner().toStdString();
+    EXPECT_TRUE(banner().startsWith("⚠️ Transfer failed: ftp upload: ")) << banner().toStdString();
     EXPECT_EQ(popupMessage(), "Folder upload failed.");
     auto const all = jobs();
     ASSERT_FALSE(all.empty());
@@ -236,51 +230,6 @@ TEST_F(FolderUpload, AFileThatFailsEndsTheWalkAndWhatWasUploadedStays)
         EXPECT_EQ(all[index].state, JobState::Completed);
         EXPECT_TRUE(remoteExists(all[index].remotePath)) << all[index].remotePath;
     }
-}
-
-TEST_F(FolderUpload, AFolderThatCantBeReadEndsTheWalkAsIfItWereDone)
-{
-    putLocalFile("tree/locked/secret.txt", "s");
-    fs::permissions(localFolder(), fs::perms::all);
-    fs::permissions(local("tree"), fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
-    fs::permissions(local("tree/locked"), fs::perms::none);
-    {
-        FileAccessAsNobody const asNobody;
-        uploadFolder("tree");
-    }
-    fs::permissions(local("tree/locked"), fs::perms::owner_all);
-    EXPECT_TRUE(fs::is_directory(server().local("/tree/locked")));
-    EXPECT_FALSE(remoteExists("/tree/locked/secret.txt"));
-    EXPECT_EQ(popupMessage(), "Folder upload completed.") << "a failed iteration is at its end";
-    EXPECT_TRUE(jobs().empty());
-}
-
-TEST_F(FolderUpload, AnEntryWhosePathCantBeResolvedStopsTheWalk)
-{
-    putLocalFile("tree/listable/inside.txt", "i");
-    fs::permissions(localFolder(), fs::perms::all);
-    fs::permissions(local("tree"), fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
-    // Readable but not searchable: the names can be listed, their paths can't be looked at.
-    fs::permissions(local("tree/listable"), fs::perms::owner_read | fs::perms::others_read);
-    {
-        FileAccessAsNobody const asNobody;
-        uploadFolder("tree");
-    }
-    fs::permissions(local("tree/listable"), fs::perms::owner_all);
-    EXPECT_EQ(banner(), "Folder upload path resolution failed.");
-    EXPECT_TRUE(bannerIsError());
-    EXPECT_EQ(popupMessage(), "Folder upload failed.");
-    EXPECT_TRUE(jobs().empty());
-}
-
-TEST_F(FolderUpload, ALocalFolderWithATrailingSlashAimsAtTheRootWhichCantBeMade)
-{
-    putLocalFile("loose/x.txt", "x");
-    uploadFolder("loose/");
-    EXPECT_EQ(controller().remoteTransferField()->text(), "/") << "an empty file name leaves the remote root as it is";
-    EXPECT_TRUE(banner().startsWith("Remote folder create failed: ftp operation failed: ")) << banner().toStdString();
-    EXPECT_EQ(popupMessage(), "Folder upload failed.");
-    EXPECT_FALSE(remoteExists("/x.txt"));
 }
 
 } // namespace

@@ -1,0 +1,368 @@
+// What the panes list and where their clicks lead: the local pane on real folder trees, the remote
+// pane on the rows the shell hands it.
+#include "app/pane/pane_icons.hpp"
+#include "app/pane/perch_pane_table_model.hpp"
+#include "app/pane/perch_pane_table_view.hpp"
+#include "app/pane/perch_path_field.hpp"
+#include "pane_test_support.hpp"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QHeaderView>
+#include <QIcon>
+#include <QScrollBar>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace perchftp::app {
+namespace {
+
+using testing::remoteFile;
+using testing::remoteFolder;
+using Model = PerchPaneTableModel;
+
+void clickHeader(PerchFilePaneController& pane, int column)
+{
+    QHeaderView* header = pane.tableView()->horizontalHeader();
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(header->sectionViewportPosition(column) + 10, 5));
+}
+
+class LocalPane : public testing::PaneFixture {
+protected:
+    void SetUp() override { makePane(false); }
+
+    QList<bool> folderFlags() const
+    {
+        QList<bool> flags;
+        for (PaneEntry const& entry : pane->entries()) {
+            flags.append(entry.dir);
+        }
+        return flags;
+    }
+
+    testing::FolderTree tree;
+};
+
+TEST_F(LocalPane, StartsAtHomeAndListsAStandardisedFolderByNameWithoutCaseOrFoldersFirst)
+{
+    EXPECT_EQ(pane->pathValue(), QDir::homePath());
+    EXPECT_EQ(pane->pathField()->text(), QDir::homePath());
+    for (QString const name : {"A-dir/", "c-dir/", "b.txt", ".hidden", "a.txt"}) {
+        name.endsWith(u'/') ? tree.makeFolder("list/" + name) : tree.makeFile("list/" + name);
+    }
+    pane->loadLocalDirectory(tree.path("list/./A-dir/..//"));
+    EXPECT_EQ(pane->pathValue(), tree.path("list"));
+    EXPECT_EQ(shownNames(), QStringList({".hidden", "A-dir", "a.txt", "b.txt", "c-dir"}));
+    EXPECT_EQ(folderFlags(), QList<bool>({false, true, false, false, true}));
+    EXPECT_EQ(pane->entries().at(1).path, tree.path("list/A-dir"));
+    EXPECT_EQ(pane->model()->columnCount(), 1);
+
+    // A column sort shows its arrow but the local rows keep their order.
+    clickHeader(*pane, 0);
+    clickHeader(*pane, 0);
+    EXPECT_EQ(pane->tableView()->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
+    pane->refresh();
+    EXPECT_EQ(shownNames(), QStringList({".hidden", "A-dir", "a.txt", "b.txt", "c-dir"}));
+}
+
+TEST_F(LocalPane, MissingPathsFilesNullAndEmptyFallBackToHomeSilently)
+{
+    tree.makeFile("one.txt");
+    for (QString const& path : {tree.path("does/not/exist"), tree.path("one.txt"), QString(), QStringLiteral("")}) {
+        pane->setPathValue(tree.path());
+        ASSERT_EQ(shownNames(), QStringList({"one.txt"}));
+        path.isEmpty() ? pane->setPathValue(path) : pane->loadLocalDirectory(path);
+        EXPECT_EQ(pane->pathValue(), QDir::homePath()) << path.toStdString();
+        EXPECT_EQ(pane->pathField()->text(), QDir::homePath());
+    }
+    EXPECT_TRUE(delegate.calls.isEmpty());
+}
+
+TEST_F(LocalPane, AnEmptyFolderShowsOneInformationRowThatNoActionTouches)
+{
+    QString const empty = tree.makeFolder("empty");
+    pane->loadLocalDirectory(empty);
+    ASSERT_EQ(shownNames(), QStringList({"<empty directory>"}));
+    EXPECT_TRUE(pane->entries().first().placeholder);
+    EXPECT_EQ(pane->entries().first().path, empty);
+    auto const icon = pane->model()->index(0, 0).data(Qt::DecorationRole).value<QIcon>();
+    EXPECT_EQ(icon.cacheKey(), paneIcon(PaneIcon::Placeholder).cacheKey());
+
+    selectRows({0});
+    EXPECT_EQ(delegate.calls, QStringList({"selection " + empty}));
+    pane->renameClicked();
+    pane->deleteClicked();
+    pane->uploadClicked();
+    pane->contextTransferAction();
+    testing::doubleClick(pane->tableView()->viewport(), rowCentre(0));
+    EXPECT_EQ(delegate.calls, QStringList({"selection " + empty}));
+    EXPECT_EQ(pane->pathValue(), empty);
+    EXPECT_EQ(pane->actingRow(), -1);
+}
+
+TEST_F(LocalPane, LinksAreFollowedBrokenLinksAreFilesNamesThatAreNotUtf8AreShownAndClicksNavigateQuietly)
+{
+    tree.makeFolder("real-dir");
+    QFile::link(tree.path("real-dir"), tree.path("link-to-dir"));
+    QFile::link(tree.path("gone"), tree.path("broken-link"));
+    QByteArray const badFolder = QFile::encodeName(tree.path()) + "/dir-\xff\xfe";
+    QByteArray const badFiles[] = {QFile::encodeName(tree.path()) + "/caf\xe9.txt", badFolder + "/inside.txt"};
+    ASSERT_EQ(::mkdir(badFolder.constData(), 0755), 0);
+    for (QByteArray const& file : badFiles) {
+        int const descriptor = ::open(file.constData(), O_CREAT | O_WRONLY, 0644);
+        ASSERT_GE(descriptor, 0);
+        ::close(descriptor);
+    }
+
+    pane->loadLocalDirectory(tree.path());
+    QString const replacement(QChar::ReplacementCharacter);
+    EXPECT_EQ(shownNames(), QStringList({"broken-link", "caf" + replacement + ".txt",
+                                         "dir-" + replacement + replacement, "link-to-dir", "real-dir"}));
+    EXPECT_EQ(folderFlags(), QList<bool>({false, false, true, true, true}))
+        << "the folder flag is read from the disk, not from the shown name";
+    testing::doubleClick(pane->tableView()->viewport(), rowCentre(2));
+    EXPECT_EQ(shownNames(), QStringList({"inside.txt"}));
+    pane->goUp();
+    EXPECT_EQ(pane->pathValue(), tree.path());
+    testing::doubleClick(pane->tableView()->viewport(), rowCentre(1));
+    EXPECT_EQ(delegate.calls.last(), "selection " + pane->entries().at(1).path);
+    EXPECT_EQ(pane->pathValue(), tree.path()) << "a double click on a file selects it and does nothing else";
+    pane->loadLocalDirectory(QStringLiteral("/"));
+    pane->goUp();
+    EXPECT_EQ(pane->pathValue(), "/");
+    EXPECT_TRUE(delegate.takeRequests().isEmpty()) << "local navigation is neither asked for nor remembered";
+
+    // The temporary folder cannot name these for removal itself.
+    for (QByteArray const& file : badFiles) {
+        ::unlink(file.constData());
+    }
+    ::rmdir(badFolder.constData());
+}
+
+TEST_F(LocalPane, ThePathFieldAsksTheShellToOpenTheStandardisedPathAndGarbageEndsAtHome)
+{
+    tree.makeFolder("typed");
+    auto const commit = [this](QString const& text) {
+        pane->pathField()->setText(text);
+        QTest::keyClick(pane->pathField(), Qt::Key_Return);
+        return delegate.takeRequests();
+    };
+    EXPECT_EQ(commit("  " + tree.path("typed/../typed/") + "\n"), QStringList({"open " + tree.path("typed")}));
+    EXPECT_EQ(pane->pathValue(), tree.path("typed"));
+    EXPECT_EQ(commit("   "), QStringList({"open " + QDir::homePath()}));
+    pane->loadLocalDirectory(tree.path());
+    EXPECT_EQ(commit(QString::fromUtf8("\x01\x7f ../~nobody-here/\xe2\x80\xae?*<>|\t")).size(), 1);
+    EXPECT_EQ(pane->pathValue(), QDir::homePath());
+
+    // Leaving the field commits it only when it was edited.
+    pane->loadLocalDirectory(tree.path());
+    pane->pathField()->setFocus();
+    emit pane->pathField()->editingFinished();
+    EXPECT_TRUE(delegate.takeRequests().isEmpty());
+    QTest::keyClicks(pane->pathField(), "/");
+    emit pane->pathField()->editingFinished();
+    EXPECT_EQ(delegate.takeRequests(), QStringList({"open " + tree.path()}));
+}
+
+// An unreadable folder needs a user the folder's mode applies to; root reads everything, so the
+// check runs in a child that gives up root first.
+void listUnreadableFolderAsAnotherUserAndExit(QString const& parent, QString const& locked)
+{
+    passwd const* nobody = ::getpwnam("nobody");
+    if (::geteuid() == 0 && (nobody == nullptr || ::setgid(nobody->pw_gid) != 0 || ::setuid(nobody->pw_uid) != 0)) {
+        std::fprintf(stderr, "could not drop root\n");
+        std::_Exit(2);
+    }
+    PerchFilePaneController pane(QStringLiteral("Local"), false);
+    pane.loadLocalDirectory(locked);
+    bool const placeholderShown = pane.entries().size() == 1 && pane.entries().first().placeholder
+        && pane.entries().first().name == QStringLiteral("Unable to read directory: Permission denied")
+        && pane.entries().first().path == locked;
+    bool const pathKept = pane.pathValue() == locked && pane.pathField()->text() == locked;
+    pane.goUp();
+    bool const upLeaves = pane.pathValue() == parent && pane.entries().size() == 1
+        && pane.entries().first().name == QStringLiteral("locked");
+    std::fprintf(stderr, "placeholder=%d kept=%d up=%d\n", placeholderShown, pathKept, upLeaves);
+    std::_Exit(placeholderShown && pathKept && upLeaves ? 0 : 1);
+}
+
+TEST_F(LocalPane, AnUnreadableFolderKeepsItsPathBehindAMessageRowAndUpLeavesIt)
+{
+    QString const locked = tree.makeFolder("locked");
+    // The tree must be reachable by the unprivileged child.
+    ASSERT_EQ(::chmod(QFile::encodeName(tree.path()).constData(), 0755), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(locked).constData(), 0), 0);
+    EXPECT_EXIT(listUnreadableFolderAsAnotherUserAndExit(tree.path(), locked), ::testing::ExitedWithCode(0),
+                "placeholder=1 kept=1 up=1");
+    ::chmod(QFile::encodeName(locked).constData(), 0755);
+}
+
+class RemotePane : public testing::PaneFixture {
+protected:
+    void SetUp() override { makePane(true); }
+
+    // As the server lists them: neither by name nor by size.
+    PaneEntries serverListing() const
+    {
+        return {remoteFile("mid.bin", 2048, "-rw-r--r--", "2024-01-02 10:00"), remoteFolder("Docs", 4096),
+                remoteFile("big.iso", 3221225472ULL), remoteFile("alpha.txt", 10), remoteFolder("empty", 0)};
+    }
+
+    QString cell(int row, int column) const { return pane->model()->index(row, column).data().toString(); }
+};
+
+TEST_F(RemotePane, PathValuesRefreshAndPlaceholdersKeepTheirRulesForNullAndEmpty)
+{
+    EXPECT_EQ(pane->pathField()->text(), "/");
+    ASSERT_EQ(shownNames(), QStringList({"Not connected."}));
+    EXPECT_TRUE(pane->entries().first().placeholder);
+    EXPECT_EQ(pane->entries().first().path, "/");
+    testing::doubleClick(pane->tableView()->viewport(), rowCentre(0));
+    EXPECT_EQ(delegate.calls, QStringList({"selection /"})) << "the message row only reports its path as the selection";
+    delegate.calls.clear();
+
+    pane->showRemoteEntries(serverListing(), "/srv");
+    pane->setPathValue(QString());
+    EXPECT_EQ(pane->pathValue(), "/");
+    pane->setPathValue(QStringLiteral(""));
+    EXPECT_FALSE(pane->pathValue().isNull());
+    EXPECT_EQ(pane->pathField()->text(), "");
+    EXPECT_EQ(pane->entries().size(), 5) << "setting the path lists nothing";
+
+    // A refresh shows the path and keeps the rows it has.
+    pane->setPathValue("/elsewhere");
+    pane->pathField()->setText("typed but not committed");
+    pane->refresh();
+    EXPECT_EQ(pane->pathField()->text(), "/elsewhere");
+    EXPECT_EQ(shownNames().size(), 5);
+    pane->setCurrentPath(QString());
+    pane->refresh();
+    EXPECT_EQ(pane->pathField()->text(), "/");
+
+    // A placeholder leaves the path field alone and takes null as empty text.
+    pane->showRemoteEntries(serverListing(), "/srv");
+    pane->pathField()->setText("being edited");
+    pane->showPlaceholder(QString());
+    ASSERT_EQ(shownNames(), QStringList({""}));
+    EXPECT_EQ(pane->entries().first().path, "/srv");
+    EXPECT_EQ(pane->pathField()->text(), "being edited");
+    pane->setCurrentPath(QString());
+    pane->showPlaceholder("List failed: x");
+    EXPECT_FALSE(pane->entries().first().path.isNull());
+    EXPECT_EQ(pane->entries().first().path, "");
+
+    // An empty listing shows the empty folder row, and an empty path means the root.
+    pane->showRemoteEntries({}, "");
+    EXPECT_EQ(pane->pathValue(), "/");
+    ASSERT_EQ(shownNames(), QStringList({"<empty directory>"}));
+    EXPECT_EQ(pane->entries().first().path, "/");
+    EXPECT_EQ(cell(0, Model::SizeColumn), "");
+    EXPECT_TRUE(delegate.takeRequests().isEmpty());
+}
+
+TEST_F(RemotePane, ListingsKeepTheServersOrderUntilASortIsChosenWhichKeepsTheSelectionAndLastsAcrossListings)
+{
+    pane->showRemoteEntries(serverListing(), "/srv");
+    EXPECT_EQ(pane->tableView()->horizontalHeader()->sortIndicatorSection(), -1) << "no sort is active at first";
+    EXPECT_EQ(shownNames(), QStringList({"mid.bin", "Docs", "big.iso", "alpha.txt", "empty"}));
+    EXPECT_EQ(QStringList({cell(0, Model::PermissionsColumn), cell(0, Model::ModifiedColumn)}),
+              QStringList({"-rw-r--r--", "2024-01-02 10:00"}));
+    QStringList sizes;
+    for (int row = 0; row < 4; ++row) {
+        sizes.append(cell(row, Model::SizeColumn));
+    }
+    EXPECT_EQ(sizes, QStringList({"2.0 KB", "", "3.0 GB", "10 B"})) << "a folder shows no size";
+
+    selectRows({2});
+    clickHeader(*pane, Model::SizeColumn);
+    QStringList const ascending{"empty", "alpha.txt", "mid.bin", "Docs", "big.iso"};
+    EXPECT_EQ(shownNames(), ascending) << "folders sort by their size value";
+    EXPECT_EQ(pane->selectedPath(), "/srv/big.iso");
+    EXPECT_EQ(pane->selectedRow(), 4);
+    pane->showRemoteEntries(serverListing(), "/srv");
+    EXPECT_EQ(shownNames(), ascending);
+    clickHeader(*pane, Model::SizeColumn);
+    EXPECT_EQ(shownNames(), QStringList({"big.iso", "Docs", "mid.bin", "alpha.txt", "empty"}));
+    EXPECT_EQ(pane->tableView()->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
+    clickHeader(*pane, Model::NameColumn);
+    EXPECT_EQ(shownNames(), QStringList({"alpha.txt", "big.iso", "Docs", "empty", "mid.bin"}));
+
+    pane->showPlaceholder("Not connected.");
+    clickHeader(*pane, Model::SizeColumn);
+    EXPECT_EQ(shownNames(), QStringList({"Not connected."}));
+    pane->showRemoteEntries(serverListing(), "/srv");
+    EXPECT_EQ(shownNames().first(), "empty") << "the sort chosen over a placeholder applies to the next listing";
+}
+
+TEST_F(RemotePane, ARefreshOfTheSameFolderKeepsTheSelectionAndScrollAndAnotherFolderStartsAfresh)
+{
+    pane->showRemoteEntries(serverListing(), "/srv");
+    selectRows({0, 1, 3, 4});
+    PaneEntries refreshed = serverListing();
+    refreshed.prepend(remoteFile("new.txt", 1));
+    refreshed.removeAt(4); // alpha.txt went away
+    pane->showRemoteEntries(refreshed, "/srv");
+    QStringList selected;
+    for (PaneEntry const& item : pane->selectedItems()) {
+        selected.append(item.name);
+    }
+    EXPECT_EQ(selected, QStringList({"mid.bin", "Docs", "empty"}));
+
+    PaneEntries many;
+    for (int index = 0; index < 500; ++index) {
+        many.append(remoteFile(QStringLiteral("f%1").arg(index), quint64(index)));
+    }
+    pane->showRemoteEntries(many, "/srv");
+    selectRows({3});
+    QScrollBar* scroll = pane->tableView()->verticalScrollBar();
+    QCoreApplication::processEvents(); // the view lays out the new rows
+    scroll->setValue(2400);
+    ASSERT_EQ(scroll->value(), 2400);
+    delegate.calls.clear();
+    pane->showRemoteEntries(many, "/srv");
+    EXPECT_EQ(scroll->value(), 2400);
+    EXPECT_TRUE(delegate.calls.isEmpty()) << "the selection did not change";
+    pane->showRemoteEntries(many, "/srv/other");
+    EXPECT_EQ(scroll->value(), 0);
+    EXPECT_EQ(delegate.calls, QStringList({"selection "}));
+}
+
+TEST_F(RemotePane, NavigationAndSelectionsAreReportedToTheShell)
+{
+    pane->showRemoteEntries(serverListing(), "/srv");
+    testing::doubleClick(pane->tableView()->viewport(), rowCentre(1));
+    for (QString const path : {"/srv/data", "/", ""}) {
+        pane->setPathValue(path);
+        pane->goUp();
+    }
+    pane->pathField()->setFocus();
+    for (QString const typed : {" ~/site/../www ", ""}) {
+        pane->pathField()->setText(typed);
+        QTest::keyClick(pane->pathField(), Qt::Key_Return);
+    }
+    pane->setCurrentPath("/srv");
+    pane->contextRefreshAction();
+    pane->setCurrentPath(QString());
+    pane->contextRefreshAction();
+    EXPECT_EQ(delegate.takeRequests(), QStringList({"open /srv/Docs", "open /srv", "open /", "open /",
+                                                    "open " + QDir::homePath() + "/www", "open /", "open /srv",
+                                                    "open /"}));
+
+    pane->tableView()->clearSelection();
+    delegate.calls.clear();
+    selectRows({3});
+    pane->tableView()->clearSelection();
+    EXPECT_EQ(delegate.calls, QStringList({"selection /srv/alpha.txt", "selection "}));
+}
+
+} // namespace
+} // namespace perchftp::app
