@@ -3,8 +3,8 @@
 #include "app/pane/perch_pane_table_model.hpp"
 #include "app/pane/perch_pane_table_view.hpp"
 #include "app/queue/queue_table_model.hpp"
+#include "app/support/ftp_connection_form.hpp"
 
-#include <QComboBox>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
@@ -50,11 +50,7 @@ void ConnectedShellTest::SetUp()
     server_ = std::make_unique<FtpTestServer>();
     localPane().loadLocalDirectory(QString::fromStdString(local_.path().string()));
     app::PerchFtpShellController& shell = controller();
-    shell.protocolField()->setCurrentText(QStringLiteral("ftp"));
-    shell.hostField()->setText(QStringLiteral("127.0.0.1"));
-    shell.portField()->setText(QString::number(server_->port()));
-    shell.userField()->setText(QString::fromStdString(server_->user()));
-    shell.secretField()->setText(QString::fromStdString(server_->password()));
+    fillFtpConnectionForm(shell, *server_);
     shell.connectSession();
     remotePane().setPathValue(QStringLiteral("/"));
     shell.refreshRemoteDirectory();
