@@ -2,8 +2,10 @@
 // ten or sixty seconds, so these run once, under the "slow" label.
 #include "session_fixture.hpp"
 
-#include "support/servers/silent_listener.hpp"
+#include "support/servers/child_process.hpp"
 #include "support/servers/sshd_test_server.hpp"
+
+#include <unistd.h>
 
 #include <chrono>
 
@@ -25,9 +27,11 @@ std::pair<SessionResult, double> timed(Operation const& operation)
 
 TEST(SessionLimits, GivesUpOnAServerThatNeverGreetsAfterTenSeconds)
 {
-    SilentListener silent;
+    int port = 0;
+    int const silent = listenOnLoopback(port, 0); // never accepts: the server never greets
     auto session = makeSession("ftp");
-    auto const [result, seconds] = timed([&] { return session->connect("127.0.0.1", silent.port(), "u", "p"); });
+    auto const [result, seconds] = timed([&] { return session->connect("127.0.0.1", port, "u", "p"); });
+    ::close(silent);
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.message, "ftp connect: Timeout was reached");
     EXPECT_FALSE(session->isConnected());
