@@ -130,6 +130,13 @@ TEST_P(FtpSession, RemoteCommandsClimbTheirLaddersOnTheWire)
 TEST_P(FtpSession, RefusesEveryOperationWhenNotConnected)
 {
     auto unconnected = makeSession(GetParam());
+    protocol::TransferParams const params{local_.file("x"), "/x", false};
+    EventRecorder recorder;
+    SessionResult const uploaded = unconnected->upload(params, recorder.callback());
+    EXPECT_EQ(uploaded.code, 1);
+    EXPECT_EQ(uploaded.message, said(" upload: not connected"));
+    EXPECT_EQ(unconnected->download(params, recorder.callback()).message, said(" download: not connected"));
+    EXPECT_TRUE(recorder.events.empty());
     EXPECT_EQ(unconnected->rename("/a", "/b").message, said(" rename: not connected"));
     EXPECT_EQ(unconnected->remove("/a").message, said(" delete: not connected"));
     EXPECT_EQ(unconnected->mkdir("/a").message, said(" mkdir: not connected"));

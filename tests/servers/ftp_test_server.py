@@ -7,7 +7,6 @@ turn on implicit TLS.
 
 The test steers it through files in its control folder, read anew for every command:
   lists/<hex of folder>  exact bytes sent for a LIST in that folder ("/" is hex "2f")
-  lists/default          exact bytes sent for a LIST in any other folder
   replies.tsv            lines "MATCH<TAB>REPLY[<TAB>TIMES]": a command whose whole line or verb is
                          MATCH gets REPLY instead of its normal handling, TIMES times (always when negative).
                          REPLY "CLOSE" drops the control connection, "STALL" never answers.
@@ -68,16 +67,13 @@ def make_scripted(base):
                 self.respond(reply)
 
         def ftp_LIST(self, path):
-            folder = self.fs.fs2ftp(path)
-            for name in (folder.encode("utf-8", "surrogateescape").hex(), "default"):
-                try:
-                    with open(self._control_file("lists", name), "rb") as f:
-                        body = f.read()
-                except FileNotFoundError:
-                    continue
-                self.push_dtp_data(body, isproducer=False, cmd="LIST")
+            name = self.fs.fs2ftp(path).encode("utf-8", "surrogateescape").hex()
+            try:
+                with open(self._control_file("lists", name), "rb") as f:
+                    self.push_dtp_data(f.read(), isproducer=False, cmd="LIST")
                 return path
-            return super().ftp_LIST(path)
+            except FileNotFoundError:
+                return super().ftp_LIST(path)
 
     return ScriptedHandler
 

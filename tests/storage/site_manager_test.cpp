@@ -208,17 +208,5 @@ TEST(SiteManagerSnapshot, LoadingKeepsOrderAndOddIdsDropsInvalidOnesAndLetsTheFi
     EXPECT_EQ(manager.listSites().size(), 2U);
 }
 
-TEST(SiteManagerSnapshot, ManyProfilesLoadWithDuplicatesDroppedInLinearTime)
-{
-    Snapshot snapshot;
-    for (int i = 0; i < 20000; ++i) {
-        snapshot.profiles.push_back(makeProfile(i + 1, "host-" + std::to_string(i % 10000) + ".example"));
-    }
-    SiteManager manager(snapshot);
-    auto const sites = manager.listSites();
-    ASSERT_EQ(sites.size(), 10000U);
-    EXPECT_EQ(sites.back().id, 10000);
-}
-
 } // namespace
 } // namespace perchftp::storage

@@ -58,11 +58,11 @@ bool ChildProcess::reap(std::chrono::milliseconds wait)
     return false;
 }
 
-void ChildProcess::terminate(std::chrono::milliseconds grace)
+ChildProcess::~ChildProcess()
 {
     if (pid_ > 0) {
         ::kill(pid_, SIGTERM);
-        if (!reap(grace)) {
+        if (!reap(std::chrono::seconds(3))) {
             kill();
         }
     }

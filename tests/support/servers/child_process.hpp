@@ -16,14 +16,12 @@ class ChildProcess {
 public:
     // Starts argv[0] (a full path) with the given arguments; throws std::runtime_error on failure.
     ChildProcess(std::vector<std::string> const& argv, std::filesystem::path const& logFile);
-    ~ChildProcess() { terminate(); }
+    // SIGTERM, then SIGKILL when it has not ended within three seconds.
+    ~ChildProcess();
     ChildProcess(ChildProcess const&) = delete;
     ChildProcess& operator=(ChildProcess const&) = delete;
 
-    pid_t pid() const { return pid_; }
     bool running() { return pid_ > 0 && !reap(std::chrono::milliseconds(0)); }
-    // SIGTERM, then SIGKILL when it has not ended within the grace time.
-    void terminate(std::chrono::milliseconds grace = std::chrono::seconds(3));
     // SIGKILL at once: the program gets no chance to close anything in order.
     void kill();
 

@@ -13,11 +13,6 @@ void writeBytes(std::filesystem::path const& path, std::string const& bytes, std
 
 } // namespace
 
-std::filesystem::path testServersFolder()
-{
-    return PERCHFTP_TEST_SERVERS_DIR;
-}
-
 FtpTestServer::FtpTestServer(FtpTestServerOptions options)
     : options_(std::move(options))
     , folder_(makeScratchFolder("perchftp-ftp"))
@@ -27,7 +22,7 @@ FtpTestServer::FtpTestServer(FtpTestServerOptions options)
     std::filesystem::create_directories(root_);
     std::filesystem::create_directories(control_ / "lists");
     std::filesystem::path const portFile = folder_ / "port";
-    std::vector<std::string> argv = {"/usr/bin/python3", (testServersFolder() / "ftp_test_server.py").string(),
+    std::vector<std::string> argv = {"/usr/bin/python3", PERCHFTP_TEST_SERVERS_DIR "/ftp_test_server.py",
                                      root_.string(), control_.string(), portFile.string(), options_.user,
                                      options_.password, std::to_string(options_.throttleBytesPerSecond)};
     if (options_.implicitTls) {
@@ -67,11 +62,6 @@ void FtpTestServer::setListing(std::string const& folder, std::string const& bod
         hex += "0123456789abcdef"[c & 0x0f];
     }
     writeBytes(control_ / "lists" / hex, body, std::ios::trunc);
-}
-
-void FtpTestServer::setDefaultListing(std::string const& body)
-{
-    writeBytes(control_ / "lists" / "default", body, std::ios::trunc);
 }
 
 void FtpTestServer::setReply(std::string const& command, std::string const& reply, int times)

@@ -103,11 +103,4 @@ void SshdTestServer::writeConfiguration()
            << "\nSubsystem sftp internal-sftp\nMaxStartups 100\nLogLevel ERROR\n";
 }
 
-void SshdTestServer::kill()
-{
-    if (process_) {
-        process_->kill();
-    }
-}
-
 } // namespace perchftp::test
