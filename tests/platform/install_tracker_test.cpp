@@ -49,13 +49,7 @@ class InstallTrackerTest : public testing::Test {
 protected:
     InstallTrackerConfig config(std::string endpoint) const
     {
-        InstallTrackerConfig config;
-        config.statePath = statePath;
-        config.endpoint = std::move(endpoint);
-        config.appVersion = "0.1.0";
-        config.platform = "linux";
-        config.heartbeatInterval = std::chrono::hours(72);
-        return config;
+        return {statePath, std::move(endpoint), "0.1.0", "linux", "", std::chrono::hours(72)};
     }
     InstallTrackerConfig serverConfig() const { return config(server.url(kEventPath)); }
 

@@ -76,6 +76,9 @@ TEST_F(SftpSession, ListsOnlyWithATrailingSlashAndSendsFtpCommandWordsThatLibcur
     EXPECT_EQ(result.code, 4);
     EXPECT_EQ(result.message, "sftp chmod: invalid mode");
 
+    result = session_->connect("127.0.0.1", server_->port(), server_->user(), server_->password());
+    EXPECT_EQ(result.message, "sftp connect");
+    EXPECT_TRUE(session_->isConnected());
     result = session_->connect("127.0.0.1", server_->port(), server_->user(), "wrong");
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.message, "sftp connect: Login denied");
