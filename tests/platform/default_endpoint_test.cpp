@@ -15,12 +15,7 @@ TEST(InstallTrackerDefaultEndpoint, NeverReachesAnyoneAndLeavesTheInstallUnregis
 {
     test::NoProxyEnvironment const noProxy;
     test::TempDir const dir;
-    InstallTrackerConfig config;
-    config.statePath = dir.file("install-tracker.state");
-    config.endpoint = kDefaultInstallTrackingEndpoint;
-    config.appVersion = "0.1.0";
-    config.platform = "linux";
-    InstallTracker tracker(std::move(config));
+    InstallTracker tracker({dir.file("install-tracker.state"), kDefaultInstallTrackingEndpoint, "0.1.0", "linux", ""});
     EXPECT_FALSE(tracker.sync());
     EXPECT_FALSE(tracker.lastError().empty());
     EXPECT_EQ(tracker.installId().size(), 36U);

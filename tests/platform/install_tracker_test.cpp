@@ -1,15 +1,14 @@
 #include "platform/install_tracker.hpp"
 
 #include "logging/logger.hpp"
+#include "support/fresh_process.hpp"
 #include "support/http_recorder.hpp"
+#include "support/servers/child_process.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
 
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <map>
@@ -19,16 +18,16 @@
 namespace perchftp::platform {
 namespace {
 
-using test::HttpRecorder;
+using test::readFile;
+using test::writeFile;
 
 constexpr char const* kEventPath = "/api/install-events.php";
 
 std::map<std::string, std::string> readStateFile(std::string const& path)
 {
     std::map<std::string, std::string> values;
-    std::istringstream in(test::readFile(path));
-    std::string line;
-    while (std::getline(in, line)) {
+    std::istringstream in(readFile(path));
+    for (std::string line; std::getline(in, line);) {
         auto const separator = line.find('=');
         values[line.substr(0, separator)] = line.substr(separator + 1);
     }
@@ -43,29 +42,21 @@ std::string lastLogMessage()
 
 long long secondsNow()
 {
-    return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch())
-        .count();
+    return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
 class InstallTrackerTest : public testing::Test {
 protected:
     InstallTrackerConfig config(std::string endpoint) const
     {
-        InstallTrackerConfig config;
-        config.statePath = statePath;
-        config.endpoint = std::move(endpoint);
-        config.appVersion = "0.1.0";
-        config.platform = "linux";
-        config.installSource = "";
-        config.heartbeatInterval = std::chrono::hours(72);
-        return config;
+        return {statePath, std::move(endpoint), "0.1.0", "linux", "", std::chrono::hours(72)};
     }
     InstallTrackerConfig serverConfig() const { return config(server.url(kEventPath)); }
 
     test::NoProxyEnvironment noProxy;
     test::TempDir dir;
     std::string statePath = dir.file("install-tracker.state");
-    HttpRecorder server;
+    test::HttpRecorder server;
 };
 
 TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPost)
@@ -75,19 +66,16 @@ TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPost)
     ASSERT_TRUE(tracker.sync()) << tracker.lastError();
     EXPECT_EQ(tracker.lastError(), "");
     EXPECT_EQ(lastLogMessage(), "Install tracking: install registered");
-
     auto const id = tracker.installId();
     EXPECT_TRUE(std::regex_match(id, std::regex("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}"))) << id;
 
     auto const state = readStateFile(statePath);
-    EXPECT_EQ(state.at("install_id"), id);
-    EXPECT_EQ(state.at("registered"), "1");
     auto const firstSeen = std::stoll(state.at("first_seen_at"));
     auto const lastHeartbeat = std::stoll(state.at("last_heartbeat_at"));
     EXPECT_GE(firstSeen, before);
     EXPECT_GE(lastHeartbeat, firstSeen);
-    EXPECT_EQ(test::readFile(statePath), "install_id=" + id + "\nfirst_seen_at=" + std::to_string(firstSeen)
-            + "\nlast_heartbeat_at=" + std::to_string(lastHeartbeat) + "\nregistered=1\n");
+    EXPECT_EQ(readFile(statePath), "install_id=" + id + "\nfirst_seen_at=" + std::to_string(firstSeen)
+                                       + "\nlast_heartbeat_at=" + std::to_string(lastHeartbeat) + "\nregistered=1\n");
 
     auto const requests = server.requests();
     ASSERT_EQ(requests.size(), 1U);
@@ -96,30 +84,29 @@ TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPost)
     EXPECT_NE(requests[0].headers.find("Content-Type: application/json"), std::string::npos) << requests[0].headers;
     // The heartbeat clock starts at the registration's sent_at.
     EXPECT_EQ(requests[0].body, R"({"event_type":"install_registered","install_id":")" + id
-            + R"(","app_version":"0.1.0","platform":"linux","install_source":"","first_seen_at":)"
-            + std::to_string(firstSeen) + R"(,"sent_at":)" + std::to_string(lastHeartbeat) + "}");
+                                    + R"(","app_version":"0.1.0","platform":"linux","install_source":"","first_seen_at":)"
+                                    + std::to_string(firstSeen) + R"(,"sent_at":)" + std::to_string(lastHeartbeat) + "}");
 }
 
 TEST_F(InstallTrackerTest, AHeartbeatGoesOutOnlyWhenDueAndOnlyASuccessfulOneIsRecorded)
 {
     auto const registeredAt = [](long long lastHeartbeat) {
-        return "install_id=abc\nfirst_seen_at=5\nlast_heartbeat_at=" + std::to_string(lastHeartbeat)
-            + "\nregistered=1\n";
+        return "install_id=abc\nfirst_seen_at=5\nlast_heartbeat_at=" + std::to_string(lastHeartbeat) + "\nregistered=1\n";
     };
     auto const recent = registeredAt(secondsNow() - 3600);
-    test::writeFile(statePath, recent);
+    writeFile(statePath, recent);
     logging::Logger::global().info("marker");
     EXPECT_TRUE(InstallTracker(serverConfig()).sync());
     EXPECT_TRUE(server.requests().empty());
     EXPECT_EQ(lastLogMessage(), "marker"); // nothing due, nothing said
-    EXPECT_EQ(test::readFile(statePath), recent);
+    EXPECT_EQ(readFile(statePath), recent);
 
     auto const overdue = registeredAt(secondsNow() - 72 * 3600 - 10);
-    test::writeFile(statePath, overdue);
+    writeFile(statePath, overdue);
     server.setStatus(503);
     EXPECT_FALSE(InstallTracker(serverConfig()).sync());
     EXPECT_EQ(lastLogMessage(), "Install tracking heartbeat failed: tracking endpoint returned HTTP 503");
-    EXPECT_EQ(test::readFile(statePath), overdue);
+    EXPECT_EQ(readFile(statePath), overdue);
 
     server.setStatus(200);
     InstallTracker tracker(serverConfig());
@@ -147,74 +134,51 @@ TEST_F(InstallTrackerTest, AFailedRegistrationChangesNothingAndIsRetriedWithTheS
     EXPECT_EQ(state.at("registered"), "0");
     EXPECT_EQ(state.at("last_heartbeat_at"), "0");
     EXPECT_GT(std::stoll(state.at("first_seen_at")), 0);
-    auto const stateAfterFailure = test::readFile(statePath);
-
+    auto const stateAfterFailure = readFile(statePath);
     {
         InstallTracker again(serverConfig());
         EXPECT_FALSE(again.sync());
         EXPECT_EQ(again.installId(), id);
     }
-    EXPECT_EQ(test::readFile(statePath), stateAfterFailure);
+    EXPECT_EQ(readFile(statePath), stateAfterFailure);
 
     server.setStatus(201);
-    InstallTracker accepted(serverConfig());
-    EXPECT_TRUE(accepted.sync());
+    EXPECT_TRUE(InstallTracker(serverConfig()).sync());
     auto const requests = server.requests();
     ASSERT_EQ(requests.size(), 3U);
     for (auto const& request : requests) {
-        EXPECT_NE(request.body.find(R"("event_type":"install_registered","install_id":")" + id + "\""),
-            std::string::npos);
+        EXPECT_NE(request.body.find(R"("event_type":"install_registered","install_id":")" + id + "\""), std::string::npos);
     }
     EXPECT_EQ(readStateFile(statePath).at("registered"), "1");
 }
 
-TEST_F(InstallTrackerTest, OnlyTwoHundredsCountAsAcceptedAndRedirectsAreNotFollowed)
+TEST_F(InstallTrackerTest, OnlyTwoHundredsAreAcceptedAndOtherFailuresSpeakLibcurlsWords)
 {
-    for (int const status : {200, 201, 204, 299}) {
+    for (int const status : {200, 201, 204, 299, 300, 301, 302, 404, 500}) {
         server.setStatus(status);
         InstallTracker tracker(serverConfig());
-        EXPECT_TRUE(tracker.sendEvent("install_registered", 1)) << status << ": " << tracker.lastError();
-        EXPECT_EQ(tracker.lastError(), "");
-    }
-    for (int const status : {300, 301, 302, 404, 500}) {
-        server.setStatus(status);
-        InstallTracker tracker(serverConfig());
-        EXPECT_FALSE(tracker.sendEvent("install_registered", 1)) << status;
-        EXPECT_EQ(tracker.lastError(), "tracking endpoint returned HTTP " + std::to_string(status));
+        EXPECT_EQ(tracker.sendEvent("install_registered", 1), status < 300) << status;
+        EXPECT_EQ(tracker.lastError(), status < 300 ? "" : "tracking endpoint returned HTTP " + std::to_string(status));
     }
     for (auto const& request : server.requests()) {
         EXPECT_EQ(request.path, kEventPath); // nothing went to the Location of a 3xx
     }
     EXPECT_EQ(server.requests().size(), 9U);
-}
 
-TEST_F(InstallTrackerTest, AnInterimStatusIsAFailureInLibcurlsOwnWords)
-{
+    // libcurl takes 199 for an interim reply and fails with its own text.
     server.setStatus(199);
-    InstallTracker tracker(serverConfig());
-    EXPECT_FALSE(tracker.sendEvent("install_registered", 1));
-    EXPECT_FALSE(tracker.lastError().empty());
-    EXPECT_EQ(tracker.lastError().find("tracking endpoint returned HTTP"), std::string::npos) << tracker.lastError();
-}
+    InstallTracker interim(serverConfig());
+    EXPECT_FALSE(interim.sendEvent("install_registered", 1));
+    EXPECT_FALSE(interim.lastError().empty());
+    EXPECT_EQ(interim.lastError().find("tracking endpoint returned HTTP"), std::string::npos) << interim.lastError();
 
-TEST_F(InstallTrackerTest, AnEndpointThatRefusesTheConnectionGivesLibcurlsErrorText)
-{
-    int const probe = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    ASSERT_EQ(::bind(probe, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length), 0);
-    ::close(probe); // nothing listens on that port now
-
-    InstallTracker tracker(config("http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + kEventPath));
-    EXPECT_FALSE(tracker.sync());
-    EXPECT_EQ(tracker.lastError(), "Couldn't connect to server");
+    InstallTracker refused(config("http://127.0.0.1:" + std::to_string(test::freeLoopbackPort()) + kEventPath));
+    EXPECT_FALSE(refused.sync());
+    EXPECT_EQ(refused.lastError(), "Couldn't connect to server");
     EXPECT_EQ(lastLogMessage(), "Install tracking register failed: Couldn't connect to server");
 }
 
-TEST_F(InstallTrackerTest, AnEmptyEndpointPreparesTheStateAndSendsNothing)
+TEST_F(InstallTrackerTest, AnEmptyEndpointOnlyPreparesTheStateAndAnUnsaveableStateSendsNothing)
 {
     InstallTracker tracker(config(""));
     EXPECT_TRUE(tracker.sync());
@@ -223,53 +187,38 @@ TEST_F(InstallTrackerTest, AnEmptyEndpointPreparesTheStateAndSendsNothing)
     EXPECT_EQ(readStateFile(statePath).at("registered"), "0");
     EXPECT_FALSE(tracker.sendEvent("install_heartbeat", 1));
     EXPECT_EQ(tracker.lastError(), "tracking endpoint not configured");
-    EXPECT_TRUE(server.requests().empty());
-}
 
-TEST_F(InstallTrackerTest, AStateThatCannotBeSavedSendsNoEvent)
-{
-    test::writeFile(dir.path() / "blocker", "");
+    writeFile(dir.path() / "blocker", "");
     auto blocked = serverConfig();
     blocked.statePath = (dir.path() / "blocker" / "install-tracker.state").string();
-    InstallTracker tracker(std::move(blocked));
-    EXPECT_FALSE(tracker.sync());
-    EXPECT_EQ(tracker.lastError(), "unable to persist install tracker state");
+    InstallTracker unsaveable(std::move(blocked));
+    EXPECT_FALSE(unsaveable.sync());
+    EXPECT_EQ(unsaveable.lastError(), "unable to persist install tracker state");
     EXPECT_EQ(lastLogMessage(), "Install tracking: failed to save initial state");
     EXPECT_TRUE(server.requests().empty());
 }
 
 TEST_F(InstallTrackerTest, TheStateFileIsReadLenientlyAndWrittenBackInItsOwnForm)
 {
-    test::writeFile(statePath, "garbage line\r\n"
-                               "  install_id  =  my-id \t\r\n"
-                               "first_seen_at=12abc\n"
-                               "last_heartbeat_at=not a number\n"
-                               "unknown=1\n"
-                               "=orphan value\n"
-                               "registered=0\n"
-                               "registered = true\n");
     InstallTracker tracker(config(""));
+    EXPECT_TRUE(tracker.loadState()) << "a missing file is a first start";
+    EXPECT_EQ(tracker.installId(), "");
+    EXPECT_FALSE(std::filesystem::exists(statePath));
+
+    writeFile(statePath, "garbage line\r\n  install_id  =  my-id \t\r\nfirst_seen_at=12abc\nlast_heartbeat_at=not a number\n"
+                         "unknown=1\n=orphan value\nregistered=0\nregistered = true\n");
     ASSERT_TRUE(tracker.loadState());
     EXPECT_EQ(tracker.installId(), "my-id");
     ASSERT_TRUE(tracker.saveState());
-    EXPECT_EQ(test::readFile(statePath), "install_id=my-id\nfirst_seen_at=12\nlast_heartbeat_at=0\nregistered=1\n");
-
+    EXPECT_EQ(readFile(statePath), "install_id=my-id\nfirst_seen_at=12\nlast_heartbeat_at=0\nregistered=1\n");
     for (auto const* value : {"yes", "TRUE", "2", ""}) {
-        test::writeFile(statePath, std::string("install_id=my-id\nregistered=") + value + "\n");
+        writeFile(statePath, std::string("install_id=my-id\nregistered=") + value + "\n");
         ASSERT_TRUE(tracker.loadState());
         ASSERT_TRUE(tracker.saveState());
         EXPECT_EQ(readStateFile(statePath).at("registered"), "0") << value;
     }
-}
 
-TEST_F(InstallTrackerTest, AMissingStateFileIsAFirstStartAndAnEmptyIdMakesANewOne)
-{
-    InstallTracker tracker(config(""));
-    EXPECT_TRUE(tracker.loadState());
-    EXPECT_EQ(tracker.installId(), "");
-    EXPECT_FALSE(std::filesystem::exists(statePath));
-
-    test::writeFile(statePath, "install_id=\nfirst_seen_at=77\n");
+    writeFile(statePath, "install_id=\nfirst_seen_at=77\n");
     EXPECT_TRUE(tracker.loadState());
     EXPECT_TRUE(tracker.ensureInstallId());
     EXPECT_EQ(tracker.installId().size(), 36U);
@@ -283,7 +232,7 @@ TEST_F(InstallTrackerTest, TheHeartbeatIsDueExactlyWhenTheIntervalHasPassedAndNe
 {
     InstallTracker tracker(config(""));
     auto const load = [&](std::string const& state) {
-        test::writeFile(statePath, state);
+        writeFile(statePath, state);
         ASSERT_TRUE(tracker.loadState());
     };
     load("install_id=a\nlast_heartbeat_at=1000\nregistered=1\n");
@@ -300,7 +249,7 @@ TEST_F(InstallTrackerTest, TheHeartbeatIsDueExactlyWhenTheIntervalHasPassedAndNe
     auto huge = config("");
     huge.heartbeatInterval = std::chrono::hours::max();
     InstallTracker patient(std::move(huge));
-    test::writeFile(statePath, "install_id=a\nlast_heartbeat_at=1000\nregistered=1\n");
+    writeFile(statePath, "install_id=a\nlast_heartbeat_at=1000\nregistered=1\n");
     ASSERT_TRUE(patient.loadState());
     EXPECT_FALSE(patient.shouldSendHeartbeat(std::numeric_limits<long long>::max()));
 }
@@ -313,8 +262,7 @@ TEST_F(InstallTrackerTest, TextsAreJsonEscapedForExactlyFiveCharacters)
     InstallTracker tracker(std::move(withSource));
     ASSERT_TRUE(tracker.sync());
     auto const body = server.requests().at(0).body;
-    EXPECT_NE(body.find(R"("install_source":"line one\nline two\t\"quoted\" back\\slash\r)" "\f\""),
-        std::string::npos)
+    EXPECT_NE(body.find(R"("install_source":"line one\nline two\t\"quoted\" back\\slash\r)" "\f\""), std::string::npos)
         << body;
     EXPECT_NE(body.find("\"app_version\":\"1.0 \x01\""), std::string::npos);
 }
@@ -326,18 +274,41 @@ TEST_F(InstallTrackerTest, TheStateFileIsPrivateAndItsNewFoldersAreOwnerOnly)
     nested.statePath = (dir.path() / "data" / "PerchFtp" / "install-tracker.state").string();
     InstallTracker tracker(nested);
     EXPECT_TRUE(tracker.sync());
-    struct stat info {};
-    ASSERT_EQ(::stat(nested.statePath.c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0777, 0600U);
-    ASSERT_EQ(::stat((dir.path() / "data").c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0777, 0700U);
-
+    auto const mode = [](std::filesystem::path const& path) {
+        struct stat info {};
+        return ::stat(path.c_str(), &info) == 0 ? info.st_mode & 0777 : 0;
+    };
+    EXPECT_EQ(mode(nested.statePath), 0600U);
+    EXPECT_EQ(mode(dir.path() / "data"), 0700U);
     // A rewrite narrows a file that an older version left readable by others.
     ::chmod(nested.statePath.c_str(), 0644);
     EXPECT_TRUE(tracker.saveState());
-    ASSERT_EQ(::stat(nested.statePath.c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0777, 0600U);
+    EXPECT_EQ(mode(nested.statePath), 0600U);
     ::umask(previous);
+}
+
+// Environment changes stay inside the fresh process.
+TEST(InstallTrackerConfigFromEnvironment, TakesTheUrlAndTheSourceFromTheEnvironmentAndTheDefaultWhenUnsetOrEmpty)
+{
+    EXPECT_IN_FRESH_PROCESS({
+        ::unsetenv("PERCHFTP_INSTALL_TRACKING_URL");
+        ::unsetenv("PERCHFTP_INSTALL_SOURCE");
+        auto const unset = installTrackerConfigFromEnvironment("/state", "0.1.0");
+        CHILD_CHECK(unset.endpoint == "https://telemetry.perchftp.invalid/api/install-events.php");
+        CHILD_CHECK(unset.installSource.empty());
+        ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "", 1);
+        CHILD_CHECK(installTrackerConfigFromEnvironment("/state", "0.1.0").endpoint == kDefaultInstallTrackingEndpoint);
+
+        ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "http://127.0.0.1:9/api/install-events.php", 1);
+        ::setenv("PERCHFTP_INSTALL_SOURCE", "debian package", 1);
+        auto const config = installTrackerConfigFromEnvironment("/data/PerchFtp/install-tracker.state", "0.1.0");
+        CHILD_CHECK(config.endpoint == "http://127.0.0.1:9/api/install-events.php");
+        CHILD_CHECK(config.installSource == "debian package");
+        CHILD_CHECK(config.statePath == "/data/PerchFtp/install-tracker.state");
+        CHILD_CHECK(config.appVersion == "0.1.0");
+        CHILD_CHECK(config.platform == "linux");
+        CHILD_CHECK(config.heartbeatInterval == std::chrono::hours(72));
+    });
 }
 
 } // namespace

@@ -1,186 +1,142 @@
-#include "ftp_session_fixture.hpp"
+#include "session_fixture.hpp"
+
+#include <functional>
 
 namespace perchftp::test {
 namespace {
 
+using protocol::IRemoteSession;
 using protocol::SessionResult;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
+
+using Lines = std::vector<std::string>;
+
+// One remote command against the server as the previous rows left it. Each row uses names of
+// its own; `refusals` are whole lines or verbs answered with a 550 (or CLOSE) instead.
+struct CommandRow {
+    char const* what;
+    Lines files;
+    Lines folders;
+    std::vector<std::tuple<std::string, std::string, int>> replies;
+    std::function<SessionResult(IRemoteSession&)> run;
+    int code;
+    std::string message;
+    Lines verbs; // the commands of the record to compare; empty for all of them
+    Lines wire;
+    Lines existing{};
+    Lines gone{};
+};
 
 constexpr char const kRefused[] = "550 Refused by the test.";
+std::string const kOk = " operation";
+std::string const kQuoteFailed = " operation failed: Quote command returned error";
 
-TEST_P(FtpSession, RenamesAtTheRootOnTheFirstRung)
+std::vector<CommandRow> commandRows()
 {
-    putRemoteFile("/x", "x");
-    connectCleanly();
-    SessionResult const result = session().rename("/x", "/y");
-    EXPECT_TRUE(result.ok);
-    EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(result.message, said(" operation"));
-    EXPECT_TRUE(std::filesystem::exists(server().local("/y")));
-    EXPECT_THAT(server().receivedCommands({"RNFR", "RNTO"}), ElementsAre("RNFR x", "RNTO y"));
+    return {
+        {"rename at the root on the first rung", {"/r1"}, {}, {},
+         [](IRemoteSession& s) { return s.rename("/r1", "/r1b"); }, 0, kOk, {"RNFR", "RNTO"},
+         {"RNFR r1", "RNTO r1b"}, {"/r1b"}, {"/r1"}},
+        {"a second rung equal to the first is sent again", {"/r2"}, {}, {{"RNFR r2", kRefused, 1}},
+         [](IRemoteSession& s) { return s.rename("/r2", "/r2b"); }, 0, kOk, {"RNFR", "RNTO"},
+         {"RNFR r2", "RNFR r2", "RNTO r2b"}},
+        {"rename climbs to the absolute path at the root", {"/a3/x"}, {},
+         {{"RNFR a3/x", kRefused, -1}, {"RNFR /a3/x", kRefused, 1}},
+         [](IRemoteSession& s) { return s.rename("/a3/x", "/a3/y"); }, 0, kOk,
+         {"RNFR", "RNTO", "CWD", "LIST", "SIZE", "RETR"},
+         {"RNFR x", "RNFR a3/x", "RNFR a3/x", "RNFR /a3/x", "RNFR /a3/x", "RNTO /a3/y", "LIST"}, {"/a3/y"}},
+        {"a move renames into the source folder on its first rung", {}, {}, {{"RNFR", kRefused, -1}},
+         [](IRemoteSession& s) { return s.rename("/a4/x", "/c4/y"); }, 1, kQuoteFailed, {"RNFR", "RNTO"},
+         {"RNFR x", "RNFR a4/x", "RNFR a4/x", "RNFR /a4/x", "RNFR /a4/x"}},
+        {"the first rung's failure is reported when all fail", {}, {},
+         {{"RNFR", kRefused, -1}, {"RNFR /gone", "CLOSE", -1}},
+         [](IRemoteSession& s) { return s.rename("/gone", "/still-gone"); }, 1, kQuoteFailed, {"RNFR"},
+         {"RNFR gone", "RNFR gone", "RNFR gone", "RNFR /gone", "RNFR /gone"}},
+        {"names with blanks and dots go as they stand", {"/my file"}, {"/a17"}, {},
+         [](IRemoteSession& s) { return s.rename("/my file", "/a17/../their file"); }, 0, kOk, {"RNFR", "RNTO"},
+         {"RNFR my file", "RNTO their file"}, {"/their file"}},
+        // Rung 1 makes "b6" at the login folder, then fails to fetch its context "/a6" as a file.
+        {"mkdir runs a command before the request fails and again on the next rung", {}, {"/a6"}, {},
+         [](IRemoteSession& s) { return s.mkdir("/a6/b6"); }, 0, kOk, {"MKD", "SIZE"},
+         {"MKD b6", "SIZE a6", "MKD a6/b6"}, {"/b6", "/a6/b6"}},
+        {"a top-level folder is made on the first rung", {}, {}, {},
+         [](IRemoteSession& s) { return s.mkdir("/fresh7"); }, 0, kOk, {"MKD"}, {"MKD fresh7"}, {"/fresh7"}},
+        {"mkdir skips the relative rungs of a top-level name", {}, {}, {{"MKD", kRefused, -1}},
+         [](IRemoteSession& s) { return s.mkdir("/b8"); }, 1, kQuoteFailed, {"MKD"}, {"MKD b8", "MKD /b8", "MKD /b8"}},
+        {"a file in a folder goes on the relative rung", {"/a9/b.txt"}, {}, {},
+         [](IRemoteSession& s) { return s.remove("/a9/b.txt"); }, 0, kOk, {"DELE", "RMD"},
+         {"DELE b.txt", "RMD b.txt", "DELE a9/b.txt"}, {}, {"/a9/b.txt"}},
+        {"a folder named with a slash is tried with RMD first", {}, {"/a10/b"}, {},
+         [](IRemoteSession& s) { return s.remove("/a10/b/"); }, 0, kOk, {"DELE", "RMD"},
+         {"RMD b", "DELE b", "RMD a10/b/"}, {}, {"/a10/b"}},
+        {"a folder named without a slash goes after DELE", {}, {"/a11/b"}, {},
+         [](IRemoteSession& s) { return s.remove("/a11/b"); }, 0, kOk, {"DELE", "RMD"},
+         {"DELE b", "RMD b", "DELE a11/b", "DELE a11/b", "RMD a11/b"}, {}, {"/a11/b"}},
+        {"remove tries all ten rungs", {}, {}, {{"DELE", kRefused, -1}, {"RMD", kRefused, -1}},
+         [](IRemoteSession& s) { return s.remove("/a12/b.txt"); }, 1, kQuoteFailed, {"DELE", "RMD"},
+         {"DELE b.txt", "RMD b.txt", "DELE a12/b.txt", "DELE a12/b.txt", "RMD a12/b.txt", "RMD a12/b.txt",
+          "DELE /a12/b.txt", "DELE /a12/b.txt", "RMD /a12/b.txt", "RMD /a12/b.txt"}},
+        {"an empty remove has no rung", {}, {}, {}, [](IRemoteSession& s) { return s.remove(""); }, 1,
+         " operation failed: unknown delete failure", {}, {}},
+        {"an empty mkdir has no rung", {}, {}, {}, [](IRemoteSession& s) { return s.mkdir(""); }, 1,
+         " operation failed: unknown mkdir failure", {}, {}},
+        {"an empty rename has no rung", {}, {}, {}, [](IRemoteSession& s) { return s.rename("", ""); }, 1,
+         " rename failed: unknown rename failure", {}, {}},
+        {"chmod writes the mode in decimal with the caller's path", {"/x14"}, {}, {},
+         [](IRemoteSession& s) { return s.chmod("/x14", 420); }, 0, kOk, {"SITE"}, {"SITE CHMOD 420 /x14"}},
+        {"chmod has no ladder", {}, {}, {{"SITE CHMOD", kRefused, -1}},
+         [](IRemoteSession& s) { return s.chmod("/x14", 420); }, 1, kQuoteFailed, {"SITE"}, {"SITE CHMOD 420 /x14"}},
+        {"a negative mode is refused at home", {}, {}, {}, [](IRemoteSession& s) { return s.chmod("/x14", -1); }, 4,
+         " chmod: invalid mode", {}, {}},
+    };
 }
 
-TEST_P(FtpSession, SendsTheSameRenameAgainWhenTheSecondRungRepeatsTheFirst)
-{
-    putRemoteFile("/x", "x");
-    server().setReply("RNFR x", kRefused, 1);
-    connectCleanly();
-    EXPECT_TRUE(session().rename("/x", "/y").ok);
-    EXPECT_THAT(server().receivedCommands({"RNFR", "RNTO"}), ElementsAre("RNFR x", "RNFR x", "RNTO y"));
-}
-
-TEST_P(FtpSession, ClimbsTheRenameLadderToTheAbsolutePathAtTheRoot)
-{
-    putRemoteFile("/a/x", "x");
-    server().setReply("RNFR a/x", kRefused);
-    server().setReply("RNFR /a/x", kRefused, 1);
-    connectCleanly();
-    SessionResult const result = session().rename("/a/x", "/a/y");
-    EXPECT_TRUE(result.ok);
-    EXPECT_EQ(result.message, said(" operation"));
-    EXPECT_TRUE(std::filesystem::exists(server().local("/a/y")));
-    EXPECT_THAT(server().receivedCommands({"RNFR", "RNTO", "CWD", "LIST", "SIZE", "RETR"}),
-                ElementsAre("RNFR x", "RNFR a/x", "RNFR a/x", "RNFR /a/x", "RNFR /a/x", "RNTO /a/y", "LIST"));
-}
-
-TEST_P(FtpSession, RenamesIntoTheSourceFolderOnTheFirstRungOfAMove)
-{
-    server().setReply("RNFR", kRefused);
-    connectCleanly();
-    SessionResult const result = session().rename("/a/x", "/c/y");
-    EXPECT_FALSE(result.ok);
-    EXPECT_THAT(server().receivedCommands({"RNFR", "RNTO"}),
-                ElementsAre("RNFR x", "RNFR a/x", "RNFR a/x", "RNFR /a/x", "RNFR /a/x"));
-}
-
-TEST_P(FtpSession, ReportsTheFirstRungsFailureWhenEveryRungFails)
-{
-    server().setReply("RNFR", kRefused);
-    server().setReply("RNFR /gone", "CLOSE");
-    connectCleanly();
-    SessionResult const result = session().rename("/gone", "/still-gone");
-    EXPECT_FALSE(result.ok);
-    EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.message, said(" operation failed: Quote command returned error"));
-    EXPECT_EQ(server().receivedCommands({"RNFR"}).size(), 5u);
-    EXPECT_TRUE(session().isConnected());
-}
-
-TEST_P(FtpSession, RunsACommandBeforeTheFollowingRequestFailsAndRunsItAgainOnTheNextRung)
-{
-    // Rung 1 makes "b" at the login folder, then fails to fetch its context "/a" as a file;
-    // rung 2 makes the folder that was meant.
-    std::filesystem::create_directories(server().local("/a"));
-    connectCleanly();
-    EXPECT_TRUE(session().mkdir("/a/b").ok);
-    EXPECT_TRUE(std::filesystem::is_directory(server().local("/b")));
-    EXPECT_TRUE(std::filesystem::is_directory(server().local("/a/b")));
-    EXPECT_THAT(server().receivedCommands({"MKD", "SIZE"}), ElementsAre("MKD b", "SIZE a", "MKD a/b"));
-}
-
-TEST_P(FtpSession, MakesATopLevelFolderOnTheFirstRung)
+TEST_P(FtpSession, RemoteCommandsClimbTheirLaddersOnTheWire)
 {
     connectCleanly();
-    testing::internal::CaptureStdout();
-    SessionResult const result = session().mkdir("/fresh");
-    std::string const printed = testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(result.ok);
-    EXPECT_EQ(result.message, said(" operation"));
-    EXPECT_TRUE(std::filesystem::is_directory(server().local("/fresh")));
-    EXPECT_THAT(server().receivedCommands({"MKD"}), ElementsAre("MKD fresh"));
-    EXPECT_THAT(printed, HasSubstr("fresh")) << "the listing that follows the command goes to standard output";
+    for (CommandRow const& row : commandRows()) {
+        SCOPED_TRACE(row.what);
+        for (auto const& file : row.files) {
+            putRemoteFile(file, "x");
+        }
+        for (auto const& folder : row.folders) {
+            std::filesystem::create_directories(server().local(folder));
+        }
+        server().clearReplies();
+        for (auto const& [command, reply, times] : row.replies) {
+            server().setReply(command, reply, times);
+        }
+        server().clearReceivedCommands();
+        testing::internal::CaptureStdout();
+        SessionResult const result = row.run(session());
+        std::string const printed = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(result.ok, row.code == 0);
+        EXPECT_EQ(result.code, row.code);
+        EXPECT_EQ(result.message, said(row.message));
+        EXPECT_EQ(row.verbs.empty() ? server().receivedCommands() : server().receivedCommands(row.verbs), row.wire);
+        for (auto const& path : row.existing) {
+            EXPECT_TRUE(std::filesystem::exists(server().local(path))) << path;
+        }
+        for (auto const& path : row.gone) {
+            EXPECT_FALSE(std::filesystem::exists(server().local(path))) << path;
+        }
+        if (row.existing == Lines{"/fresh7"}) {
+            EXPECT_THAT(printed, HasSubstr("fresh7")) << "the listing after a command goes to standard output";
+        }
+        EXPECT_TRUE(session().isConnected());
+    }
 }
 
-TEST_P(FtpSession, SkipsTheRelativeMkdirRungsOfATopLevelName)
-{
-    server().setReply("MKD", kRefused);
-    connectCleanly();
-    SessionResult const result = session().mkdir("/b");
-    EXPECT_FALSE(result.ok);
-    EXPECT_THAT(server().receivedCommands({"MKD"}), ElementsAre("MKD b", "MKD /b", "MKD /b"));
-}
-
-TEST_P(FtpSession, RemovesAFileInAFolderOnTheRelativeRung)
-{
-    putRemoteFile("/a/b.txt", "b");
-    connectCleanly();
-    EXPECT_TRUE(session().remove("/a/b.txt").ok);
-    EXPECT_FALSE(std::filesystem::exists(server().local("/a/b.txt")));
-    EXPECT_THAT(server().receivedCommands({"DELE", "RMD"}), ElementsAre("DELE b.txt", "RMD b.txt", "DELE a/b.txt"));
-}
-
-TEST_P(FtpSession, RemovesAFolderNamedWithASlashByRmdFirst)
-{
-    std::filesystem::create_directories(server().local("/a/b"));
-    connectCleanly();
-    EXPECT_TRUE(session().remove("/a/b/").ok);
-    EXPECT_FALSE(std::filesystem::exists(server().local("/a/b")));
-    EXPECT_THAT(server().receivedCommands({"DELE", "RMD"}), ElementsAre("RMD b", "DELE b", "RMD a/b/"));
-}
-
-TEST_P(FtpSession, RemovesAFolderNamedWithoutASlashOnlyAfterTryingDele)
-{
-    std::filesystem::create_directories(server().local("/a/b"));
-    connectCleanly();
-    EXPECT_TRUE(session().remove("/a/b").ok);
-    EXPECT_FALSE(std::filesystem::exists(server().local("/a/b")));
-    EXPECT_THAT(server().receivedCommands({"DELE", "RMD"}),
-                ElementsAre("DELE b", "RMD b", "DELE a/b", "DELE a/b", "RMD a/b"));
-}
-
-TEST_P(FtpSession, TriesAllTenRemoveRungsBeforeGivingUp)
-{
-    server().setReply("DELE", kRefused);
-    server().setReply("RMD", kRefused);
-    connectCleanly();
-    SessionResult const result = session().remove("/a/b.txt");
-    EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.message, said(" operation failed: Quote command returned error"));
-    EXPECT_EQ(server().receivedCommands({"DELE", "RMD"}).size(), 10u);
-}
-
-TEST_P(FtpSession, GivesTheLaddersOwnFailureForEmptyPathsWithoutTouchingTheNetwork)
-{
-    connectCleanly();
-    SessionResult result = session().remove("");
-    EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.message, said(" operation failed: unknown delete failure"));
-    result = session().mkdir("");
-    EXPECT_EQ(result.message, said(" operation failed: unknown mkdir failure"));
-    result = session().rename("", "");
-    EXPECT_EQ(result.message, said(" rename failed: unknown rename failure"));
-    EXPECT_THAT(server().receivedCommands(), IsEmpty());
-}
-
-TEST_P(FtpSession, SendsTheModeOfChmodInDecimalWithTheCallersPath)
-{
-    putRemoteFile("/x", "x");
-    connectCleanly();
-    SessionResult const result = session().chmod("/x", 420);
-    EXPECT_TRUE(result.ok);
-    EXPECT_EQ(result.message, said(" operation"));
-    EXPECT_THAT(server().receivedCommands({"SITE"}), ElementsAre("SITE CHMOD 420 /x"));
-
-    server().clearReceivedCommands();
-    server().setReply("SITE CHMOD", kRefused);
-    EXPECT_EQ(session().chmod("/x", 420).message, said(" operation failed: Quote command returned error"));
-    EXPECT_EQ(server().receivedCommands({"SITE"}).size(), 1u) << "chmod has no ladder";
-}
-
-TEST_P(FtpSession, RefusesANegativeModeWithoutTouchingTheNetwork)
-{
-    connectCleanly();
-    SessionResult const result = session().chmod("/x", -1);
-    EXPECT_EQ(result.code, 4);
-    EXPECT_EQ(result.message, said(" chmod: invalid mode"));
-    EXPECT_THAT(server().receivedCommands(), IsEmpty());
-}
-
-TEST_P(FtpSession, RefusesEveryCommandWhenNotConnected)
+TEST_P(FtpSession, RefusesEveryOperationWhenNotConnected)
 {
     auto unconnected = makeSession(GetParam());
+    protocol::TransferParams const params{local_.file("x"), "/x", false};
+    EventRecorder recorder;
+    SessionResult const uploaded = unconnected->upload(params, recorder.callback());
+    EXPECT_EQ(uploaded.code, 1);
+    EXPECT_EQ(uploaded.message, said(" upload: not connected"));
+    EXPECT_EQ(unconnected->download(params, recorder.callback()).message, said(" download: not connected"));
+    EXPECT_TRUE(recorder.events.empty());
     EXPECT_EQ(unconnected->rename("/a", "/b").message, said(" rename: not connected"));
     EXPECT_EQ(unconnected->remove("/a").message, said(" delete: not connected"));
     EXPECT_EQ(unconnected->mkdir("/a").message, said(" mkdir: not connected"));
@@ -189,16 +145,6 @@ TEST_P(FtpSession, RefusesEveryCommandWhenNotConnected)
     SessionResult const listed = unconnected->list("/", entries);
     EXPECT_EQ(listed.code, 1);
     EXPECT_EQ(listed.message, said(" list: not connected"));
-}
-
-TEST_P(FtpSession, SendsNamesWithBlanksAndDotsAsTheyStand)
-{
-    putRemoteFile("/my file", "x");
-    std::filesystem::create_directories(server().local("/a"));
-    connectCleanly();
-    EXPECT_TRUE(session().rename("/my file", "/a/../their file").ok);
-    EXPECT_TRUE(std::filesystem::exists(server().local("/their file")));
-    EXPECT_THAT(server().receivedCommands({"RNFR", "RNTO"}), ElementsAre("RNFR my file", "RNTO their file"));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "ftp_session_fixture.hpp"
+#include "session_fixture.hpp"
 
 #include "support/servers/child_process.hpp"
 
@@ -11,9 +11,22 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-TEST_P(FtpSession, ConnectsByLoggingInWithoutAnyRequestOfItsOwn)
+std::vector<std::string> namesOf(std::vector<RemoteEntry> const& entries)
 {
-    SessionResult const result = connect();
+    std::vector<std::string> names;
+    for (auto const& entry : entries) {
+        names.push_back(entry.name);
+    }
+    return names;
+}
+
+TEST_P(FtpSession, ConnectsByLoggingInOnlyAndDisconnectsWithoutTalkingToTheServer)
+{
+    auto fresh = makeSession(GetParam());
+    EXPECT_TRUE(fresh->disconnect().ok);
+    EXPECT_EQ(fresh->disconnect().message, said(" disconnect"));
+
+    SessionResult const result = connect(server().password());
     EXPECT_TRUE(result.ok);
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.message, said(" connect"));
@@ -21,66 +34,50 @@ TEST_P(FtpSession, ConnectsByLoggingInWithoutAnyRequestOfItsOwn)
     EXPECT_THAT(server().receivedCommands({"LIST", "RETR", "STOR", "NLST", "MLSD"}), IsEmpty());
     EXPECT_THAT(server().receivedCommands({"USER", "PASS"}),
                 ElementsAre("USER " + server().user(), "PASS " + server().password()));
-}
 
-TEST_P(FtpSession, RefusesAWrongPasswordAndForgetsAnEarlierConnection)
-{
-    ASSERT_TRUE(connect().ok);
-    SessionResult const result = session().connect("127.0.0.1", server().port(), server().user(), "wrong");
-    EXPECT_FALSE(result.ok);
-    EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.message, said(" connect: Login denied"));
-    EXPECT_FALSE(session().isConnected());
-}
-
-TEST_P(FtpSession, ReportsAClosedPortInLibcurlsWords)
-{
-    SessionResult const result = session().connect("127.0.0.1", freeLoopbackPort(), "u", "p");
-    EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.message, said(" connect: Couldn't connect to server"));
-    EXPECT_FALSE(session().isConnected());
-}
-
-TEST_P(FtpSession, RejectsAnEndpointWithoutHostOrPositivePortBeforeTouchingTheNetwork)
-{
-    ASSERT_TRUE(connect().ok);
-    for (auto const& [host, port] : std::vector<std::pair<std::string, int>>{{"", server().port()},
-                                                                             {"127.0.0.1", 0},
-                                                                             {"127.0.0.1", -21}}) {
-        server().clearReceivedCommands();
-        SessionResult const result = session().connect(host, port, server().user(), server().password());
-        EXPECT_FALSE(result.ok);
-        EXPECT_EQ(result.code, 1);
-        EXPECT_EQ(result.message, said(" connect: invalid endpoint"));
-        EXPECT_FALSE(session().isConnected());
-        EXPECT_THAT(server().receivedCommands(), IsEmpty());
-    }
-}
-
-TEST_P(FtpSession, PutsAPasswordWithAnAtSignIntoTheUrlUnescapedWhichLibcurlRefuses)
-{
-    for (std::string const password : {"p@ss", "a@b@c"}) {
-        SessionResult const result = session().connect("127.0.0.1", server().port(), server().user(), password);
-        EXPECT_EQ(result.message, said(" connect: URL using bad/illegal format or missing URL")) << password;
-        EXPECT_FALSE(session().isConnected());
-    }
-}
-
-TEST_P(FtpSession, DisconnectsWithoutTalkingToTheServer)
-{
-    auto fresh = makeSession(GetParam());
-    EXPECT_EQ(fresh->disconnect().message, said(" disconnect"));
-    EXPECT_TRUE(fresh->disconnect().ok);
-
-    connectCleanly();
-    SessionResult const result = session().disconnect();
-    EXPECT_TRUE(result.ok);
-    EXPECT_EQ(result.message, said(" disconnect"));
+    server().clearReceivedCommands();
+    SessionResult const disconnected = session().disconnect();
+    EXPECT_TRUE(disconnected.ok);
+    EXPECT_EQ(disconnected.message, said(" disconnect"));
     EXPECT_FALSE(session().isConnected());
     EXPECT_THAT(server().receivedCommands(), IsEmpty());
 }
 
-TEST_P(FtpSession, ListsTheServersOwnFolder)
+TEST_P(FtpSession, AFailedConnectForgetsTheEarlierConnection)
+{
+    struct Row {
+        std::string host;
+        int port;
+        std::string password;
+        std::string failure;
+    };
+    int const closedPort = freeLoopbackPort();
+    int const port = server().port();
+    std::string const badUrl = ": URL using bad/illegal format or missing URL";
+    for (Row const& row : std::vector<Row>{
+             {"127.0.0.1", port, "wrong", " connect: Login denied"},
+             {"127.0.0.1", closedPort, "p", " connect: Couldn't connect to server"},
+             // Checked before the network is touched.
+             {"", port, server().password(), " connect: invalid endpoint"},
+             {"127.0.0.1", 0, server().password(), " connect: invalid endpoint"},
+             {"127.0.0.1", -21, server().password(), " connect: invalid endpoint"},
+             // The password goes into the URL unescaped, where libcurl refuses an "@".
+             {"127.0.0.1", port, "p@ss", " connect" + badUrl},
+             {"127.0.0.1", port, "a@b@c", " connect" + badUrl}}) {
+        SCOPED_TRACE(row.host + ":" + std::to_string(row.port) + " " + row.password);
+        connectCleanly();
+        SessionResult const result = session().connect(row.host, row.port, server().user(), row.password);
+        EXPECT_FALSE(result.ok);
+        EXPECT_EQ(result.code, 1);
+        EXPECT_EQ(result.message, said(row.failure));
+        EXPECT_FALSE(session().isConnected());
+        if (row.failure.ends_with("invalid endpoint")) {
+            EXPECT_THAT(server().receivedCommands(), IsEmpty());
+        }
+    }
+}
+
+TEST_P(FtpSession, ListsAFolderAsAFolderUrlAndLeavesDotSegmentsToLibcurl)
 {
     putRemoteFile("/notes.txt", "12345");
     std::filesystem::create_directories(server().local("/docs"));
@@ -89,60 +86,35 @@ TEST_P(FtpSession, ListsTheServersOwnFolder)
     SessionResult const result = session().list("/", entries);
     EXPECT_TRUE(result.ok);
     EXPECT_EQ(result.message, said(" list"));
-    ASSERT_EQ(entries.size(), 2u);
-    EXPECT_EQ(entries[0].name, "docs");
+    ASSERT_EQ(namesOf(entries), (std::vector<std::string>{"docs", "notes.txt"}));
     EXPECT_TRUE(entries[0].isDirectory);
-    EXPECT_EQ(entries[1].name, "notes.txt");
     EXPECT_EQ(entries[1].size, 5u);
     EXPECT_EQ(entries[1].permissions, "-rw-r--r--");
     EXPECT_FALSE(entries[1].modifiedAt.empty());
-}
 
-TEST_P(FtpSession, ListsAFolderAsAFolderUrlWhateverItsSpelling)
-{
     std::filesystem::create_directories(server().local("/a/b"));
     server().setListing("/a/b", "-rw-r--r-- 1 me staff 7 Jan 5 10:30 inner.txt\n");
-    connectCleanly();
-    for (std::string const path : {"/a/b", "a/b", "/a/b/"}) {
-        server().clearReceivedCommands();
-        std::vector<RemoteEntry> entries;
-        ASSERT_TRUE(session().list(path, entries).ok) << path;
-        ASSERT_EQ(entries.size(), 1u);
-        EXPECT_EQ(entries[0].name, "inner.txt");
-        EXPECT_THAT(server().receivedCommands({"CWD", "LIST"}), ElementsAre("CWD a", "CWD b", "LIST")) << path;
-    }
-    for (std::string const path : {"", "."}) {
-        server().clearReceivedCommands();
-        std::vector<RemoteEntry> entries;
-        ASSERT_TRUE(session().list(path, entries).ok);
-        EXPECT_THAT(server().receivedCommands({"CWD", "LIST"}), ElementsAre("LIST")) << path;
-    }
-}
-
-TEST_P(FtpSession, LeavesDotSegmentsToLibcurlWhichResolvesThemInTheUrl)
-{
-    std::filesystem::create_directories(server().local("/a/b"));
-    server().setListing("/a/b", "inner\n");
     server().setListing("/", "top\n");
-    connectCleanly();
-    std::vector<RemoteEntry> entries;
-    ASSERT_TRUE(session().list("/a/../a/./b", entries).ok);
-    ASSERT_EQ(entries.size(), 1u);
-    EXPECT_EQ(entries[0].name, "inner");
-    ASSERT_TRUE(session().list("/a/..", entries).ok);
-    ASSERT_EQ(entries.size(), 1u);
-    EXPECT_EQ(entries[0].name, "top");
-    EXPECT_THAT(server().receivedCommands({"CWD", "LIST"}), ElementsAre("CWD a", "CWD b", "LIST", "LIST"));
+    for (auto const& [path, wire, names] : std::vector<std::tuple<std::string, std::vector<std::string>, std::vector<std::string>>>{
+             {"/a/b", {"CWD a", "CWD b", "LIST"}, {"inner.txt"}},
+             {"a/b", {"CWD a", "CWD b", "LIST"}, {"inner.txt"}},
+             {"/a/b/", {"CWD a", "CWD b", "LIST"}, {"inner.txt"}},
+             {"", {"LIST"}, {"top"}},
+             {".", {"LIST"}, {"top"}},
+             {"/a/../a/./b", {"CWD a", "CWD b", "LIST"}, {"inner.txt"}},
+             {"/a/..", {"LIST"}, {"top"}}}) {
+        SCOPED_TRACE(path);
+        server().clearReceivedCommands();
+        ASSERT_TRUE(session().list(path, entries).ok);
+        EXPECT_EQ(namesOf(entries), names);
+        EXPECT_EQ(server().receivedCommands({"CWD", "LIST"}), wire);
+    }
 }
 
-TEST_P(FtpSession, ParsesScriptedRepliesExactlyAsTheyArrive)
+TEST_P(FtpSession, ParsesRepliesAsTheyArriveAndReplacesTheCallersEntriesOnlyOnSuccess)
 {
     static char const kGarbage[] = "\0\x01\xff garbage \x7f\n\x80";
-    struct Reply {
-        std::string body;
-        std::vector<std::string> names;
-    };
-    std::vector<Reply> const replies = {
+    std::vector<std::pair<std::string, std::vector<std::string>>> const replies = {
         {"total 24\r\n-rw-r--r-- 1 me staff 1234 Jan 5 10:30 notes.txt\r\n", {"24", "notes.txt"}},
         {"01-05-24  10:30AM       <DIR>          Reports\r\n01-05-24  10:31AM  12 a.txt\r\n", {"Reports", "a.txt"}},
         {"type=dir;size=0; sub dir\r\ntype=file;size=10;perm=r; a b.txt\r\n", {"sub dir", "a b.txt"}},
@@ -151,50 +123,29 @@ TEST_P(FtpSession, ParsesScriptedRepliesExactlyAsTheyArrive)
         {std::string(kGarbage, sizeof(kGarbage) - 1), {"\x7f", "\x80"}},
     };
     connectCleanly();
-    for (Reply const& reply : replies) {
-        server().setListing("/", reply.body);
-        std::vector<RemoteEntry> entries;
+    for (auto const& [body, names] : replies) {
+        server().setListing("/", body);
+        std::vector<RemoteEntry> entries = {{"stale", false, 1, "", ""}};
         ASSERT_TRUE(session().list("/", entries).ok);
-        std::vector<std::string> names;
-        for (RemoteEntry const& entry : entries) {
-            names.push_back(entry.name);
-        }
-        EXPECT_EQ(names, reply.names) << reply.body;
+        EXPECT_EQ(namesOf(entries), names) << body;
     }
-}
 
-TEST_P(FtpSession, KeepsTheCallersEntriesWhenAListingFails)
-{
-    connectCleanly();
     std::vector<RemoteEntry> entries = {{"kept", false, 1, "", ""}};
     SessionResult const missing = session().list("/no/such/folder", entries);
     EXPECT_FALSE(missing.ok);
     EXPECT_EQ(missing.code, 1);
     EXPECT_EQ(missing.message, said(" list: Access denied to remote resource"));
-    ASSERT_EQ(entries.size(), 1u);
-    EXPECT_EQ(entries[0].name, "kept");
-
     server().setReply("LIST", "CLOSE");
     SessionResult const dropped = session().list("/", entries);
     EXPECT_FALSE(dropped.ok);
     EXPECT_THAT(dropped.message, StartsWith(said(" list: ")));
-    EXPECT_EQ(entries.size(), 1u);
+    EXPECT_EQ(namesOf(entries), std::vector<std::string>{"kept"});
     EXPECT_TRUE(session().isConnected());
-}
-
-TEST_P(FtpSession, ReplacesTheCallersEntriesWhenAListingWorks)
-{
-    server().setListing("/", "only.txt\n");
-    connectCleanly();
-    std::vector<RemoteEntry> entries = {{"old", false, 1, "", ""}, {"older", false, 2, "", ""}};
-    ASSERT_TRUE(session().list("/", entries).ok);
-    ASSERT_EQ(entries.size(), 1u);
-    EXPECT_EQ(entries[0].name, "only.txt");
 }
 
 INSTANTIATE_TEST_SUITE_P(Protocols, FtpSession, testing::Values("ftp", "ftps"));
 
-TEST(FtpsSession, RefusesACertificateThatNoTrustedAuthoritySigned)
+TEST(FtpsSession, RefusesAnUntrustedCertificateAndAPlainServer)
 {
     TestCertificates trusted;
     TestCertificates stranger;
@@ -202,32 +153,20 @@ TEST(FtpsSession, RefusesACertificateThatNoTrustedAuthoritySigned)
     if (!reason.empty()) {
         GTEST_SKIP() << "FTPS test skipped: it " << reason;
     }
-    FtpTestServerOptions options;
-    options.implicitTls = true;
-    options.certificateFile = stranger.serverCertificate();
-    options.keyFile = stranger.serverKey();
-    FtpTestServer strangerServer(options);
-    options.certificateFile = trusted.serverCertificate();
-    options.keyFile = trusted.serverKey();
-    FtpTestServer trustedServer(options);
+    FtpTestServer strangerServer(implicitTls(stranger));
+    FtpTestServer trustedServer(implicitTls(trusted));
+    FtpTestServer plainServer;
 
     auto session = makeSession("ftps");
-    SessionResult const refused = session->connect("127.0.0.1", strangerServer.port(), strangerServer.user(),
-                                                   strangerServer.password());
-    EXPECT_EQ(refused.code, 1);
-    EXPECT_EQ(refused.message, "ftps connect: SSL peer certificate or SSH remote key was not OK");
+    SessionResult result = session->connect("127.0.0.1", strangerServer.port(), "perch", "perch-secret");
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.message, "ftps connect: SSL peer certificate or SSH remote key was not OK");
     EXPECT_FALSE(session->isConnected());
     EXPECT_THAT(strangerServer.receivedCommands(), IsEmpty()) << "no credentials go to an untrusted server";
 
-    EXPECT_TRUE(session->connect("127.0.0.1", trustedServer.port(), trustedServer.user(), trustedServer.password()).ok);
-}
+    EXPECT_TRUE(session->connect("127.0.0.1", trustedServer.port(), "perch", "perch-secret").ok);
 
-TEST(FtpsSession, IsRefusedByAServerThatSpeaksPlainFtp)
-{
-    FtpTestServer server;
-    auto session = makeSession("ftps");
-    SessionResult const result = session->connect("127.0.0.1", server.port(), server.user(), server.password());
-    EXPECT_FALSE(result.ok);
+    result = session->connect("127.0.0.1", plainServer.port(), "perch", "perch-secret");
     EXPECT_EQ(result.code, 1);
     EXPECT_THAT(result.message, StartsWith("ftps connect: "));
     EXPECT_FALSE(session->isConnected());

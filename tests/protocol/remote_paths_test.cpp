@@ -3,10 +3,21 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace perchftp::protocol::curl::detail {
 namespace {
 
-TEST(BaseUrl, WritesSchemeCredentialsHostAndPortWithNothingEscaped)
+using Rows = std::vector<std::pair<std::string, std::string>>;
+
+void expectEach(std::function<std::string(std::string const&)> const& f, Rows const& rows)
+{
+    for (auto const& [input, output] : rows) {
+        EXPECT_EQ(f(input), output) << "input \"" << input << '"';
+    }
+}
+
+TEST(RemotePaths, BaseUrlWritesSchemeCredentialsHostAndPortWithNothingEscaped)
 {
     EXPECT_EQ(baseUrl("h", 21, "u", "p", "ftp"), "ftp://u:p@h:21");
     EXPECT_EQ(baseUrl("h", 990, "u", "p", "ftps"), "ftps://u:p@h:990");
@@ -18,128 +29,62 @@ TEST(BaseUrl, WritesSchemeCredentialsHostAndPortWithNothingEscaped)
     EXPECT_EQ(baseUrl("", 0, "", "", "ftp"), "ftp://:0");
 }
 
-TEST(NormalizePath, AddsOneLeadingSlashAndTouchesNothingElse)
+TEST(RemotePaths, HelpersChangeOnlyWhatTheySay)
 {
-    EXPECT_EQ(normalizePath(""), "");
-    EXPECT_EQ(normalizePath("a/b"), "/a/b");
-    EXPECT_EQ(normalizePath("/a/b/"), "/a/b/");
-    EXPECT_EQ(normalizePath("./a//../b"), "/./a//../b");
-    EXPECT_EQ(normalizePath("//x"), "//x");
+    expectEach(normalizePath, {{"", ""}, {"a/b", "/a/b"}, {"/a/b/", "/a/b/"}, {"./a//../b", "/./a//../b"}, {"//x", "//x"}});
+    expectEach(listContextPath, {{"", ""}, {".", ""}, {"/", "/"}, {"/a/b", "/a/b/"}, {"a/b", "/a/b/"}, {"/a/b/", "/a/b/"}});
+    expectEach(commandContextPath, {{"/a/b.txt", "/a"}, {"/a/b/", "/a"}, {"/b.txt", "/"}, {"b.txt", "/"}, {"/", ""},
+                                    {"", ""}, {"/a/../b", "/a/.."}});
+    expectEach(commandTargetName, {{"/a/b.txt", "b.txt"}, {"/a/b/", "b"}, {"/", "/"}, {"", ""}, {"/a/.", "/a/."},
+                                   {"/a/..", ".."}});
 }
 
-TEST(ListContextPath, AsksFtpForAFolderUrl)
+// Each rung as "context: command, command".
+std::vector<std::string> rungs(CommandLadder const& ladder)
 {
-    EXPECT_EQ(listContextPath(""), "");
-    EXPECT_EQ(listContextPath("."), "");
-    EXPECT_EQ(listContextPath("/"), "/");
-    EXPECT_EQ(listContextPath("/a/b"), "/a/b/");
-    EXPECT_EQ(listContextPath("a/b"), "/a/b/");
-    EXPECT_EQ(listContextPath("/a/b/"), "/a/b/");
-}
-
-TEST(SlashHelpers, TrimAndStripOnlyWhatTheySay)
-{
-    EXPECT_EQ(trimTrailingSlashes("/"), "/");
-    EXPECT_EQ(trimTrailingSlashes("///"), "/");
-    EXPECT_EQ(trimTrailingSlashes("/a//"), "/a");
-    EXPECT_EQ(stripLeadingSlash("//a"), "/a");
-    EXPECT_EQ(stripLeadingSlash(""), "");
-    EXPECT_TRUE(looksLikeDirectoryPath("/a/"));
-    EXPECT_FALSE(looksLikeDirectoryPath("/a"));
-    EXPECT_FALSE(looksLikeDirectoryPath(""));
-}
-
-TEST(CommandPaths, NameTheParentFolderAndTheLastName)
-{
-    EXPECT_EQ(commandContextPath("/a/b.txt"), "/a");
-    EXPECT_EQ(commandContextPath("/a/b/"), "/a");
-    EXPECT_EQ(commandContextPath("/b.txt"), "/");
-    EXPECT_EQ(commandContextPath("b.txt"), "/");
-    EXPECT_EQ(commandContextPath("/"), "");
-    EXPECT_EQ(commandContextPath(""), "");
-    EXPECT_EQ(commandContextPath("/a/../b"), "/a/..");
-
-    EXPECT_EQ(commandTargetName("/a/b.txt"), "b.txt");
-    EXPECT_EQ(commandTargetName("/a/b/"), "b");
-    EXPECT_EQ(commandTargetName("/"), "/");
-    EXPECT_EQ(commandTargetName(""), "");
-    EXPECT_EQ(commandTargetName("/a/."), "/a/.");
-    EXPECT_EQ(commandTargetName("/a/.."), "..");
-}
-
-using Ladder = std::vector<CommandAttempt>;
-
-void expectLadder(Ladder const& actual, Ladder const& expected)
-{
-    ASSERT_EQ(actual.size(), expected.size());
-    for (std::size_t rung = 0; rung < actual.size(); ++rung) {
-        SCOPED_TRACE("rung " + std::to_string(rung + 1));
-        EXPECT_EQ(actual[rung].context, expected[rung].context);
-        EXPECT_EQ(actual[rung].commands, expected[rung].commands);
+    std::vector<std::string> lines;
+    for (auto const& attempt : ladder) {
+        std::string line = attempt.context + ":";
+        for (auto const& command : attempt.commands) {
+            line += (line.back() == ':' ? " " : ", ") + command;
+        }
+        lines.push_back(line);
     }
+    return lines;
 }
 
-TEST(RenameLadder, TriesNameThenRelativeThenAbsoluteFormsWithoutDroppingRepeats)
+using Rungs = std::vector<std::string>;
+
+TEST(CommandLadders, RenameTriesNameThenRelativeThenAbsoluteFormsWithoutDroppingRepeats)
 {
-    expectLadder(renameLadder("/a/x", "/c/y"), {{"/a", {"RNFR x", "RNTO y"}},
-                                                {"", {"RNFR a/x", "RNTO c/y"}},
-                                                {"/", {"RNFR a/x", "RNTO c/y"}},
-                                                {"", {"RNFR /a/x", "RNTO /c/y"}},
-                                                {"/", {"RNFR /a/x", "RNTO /c/y"}}});
-    expectLadder(renameLadder("/x", "/y"), {{"/", {"RNFR x", "RNTO y"}},
-                                            {"", {"RNFR x", "RNTO y"}},
-                                            {"/", {"RNFR x", "RNTO y"}},
-                                            {"", {"RNFR /x", "RNTO /y"}},
-                                            {"/", {"RNFR /x", "RNTO /y"}}});
+    EXPECT_EQ(rungs(renameLadder("/a/x", "/c/y")),
+              (Rungs{"/a: RNFR x, RNTO y", ": RNFR a/x, RNTO c/y", "/: RNFR a/x, RNTO c/y", ": RNFR /a/x, RNTO /c/y",
+                     "/: RNFR /a/x, RNTO /c/y"}));
+    EXPECT_EQ(rungs(renameLadder("/x", "/y")), (Rungs{"/: RNFR x, RNTO y", ": RNFR x, RNTO y", "/: RNFR x, RNTO y",
+                                                      ": RNFR /x, RNTO /y", "/: RNFR /x, RNTO /y"}));
+    EXPECT_EQ(rungs(renameLadder("/", "/y")), (Rungs{": RNFR /, RNTO y", ": RNFR /, RNTO /y", "/: RNFR /, RNTO /y"}));
+    EXPECT_TRUE(renameLadder("", "").empty());
+    EXPECT_TRUE(renameLadder("/x", "").empty());
 }
 
-TEST(RenameLadder, HasNoRungForEmptyPathsAndOnlyTheAbsoluteOnesForTheRoot)
+TEST(CommandLadders, RemoveStartsWithRmdOnlyForASlashAndDropsRelativeRungsEqualToTheName)
 {
-    expectLadder(renameLadder("", ""), {});
-    expectLadder(renameLadder("/x", ""), {});
-    expectLadder(renameLadder("/", "/y"), {{"", {"RNFR /", "RNTO y"}},
-                                           {"", {"RNFR /", "RNTO /y"}},
-                                           {"/", {"RNFR /", "RNTO /y"}}});
+    EXPECT_EQ(rungs(removeLadder("/a/b/")),
+              (Rungs{"/a: RMD b", "/a: DELE b", ": RMD a/b/", "/: RMD a/b/", ": DELE a/b/", "/: DELE a/b/",
+                     ": RMD /a/b/", "/: RMD /a/b/", ": DELE /a/b/", "/: DELE /a/b/"}));
+    EXPECT_EQ(rungs(removeLadder("/a/b")),
+              (Rungs{"/a: DELE b", "/a: RMD b", ": DELE a/b", "/: DELE a/b", ": RMD a/b", "/: RMD a/b", ": DELE /a/b",
+                     "/: DELE /a/b", ": RMD /a/b", "/: RMD /a/b"}));
+    EXPECT_EQ(rungs(removeLadder("b.txt")), (Rungs{"/: DELE b.txt", "/: RMD b.txt", ": DELE /b.txt", "/: DELE /b.txt",
+                                                   ": RMD /b.txt", "/: RMD /b.txt"}));
+    EXPECT_TRUE(removeLadder("").empty());
 }
 
-TEST(RemoveLadder, StartsWithRmdOnlyForAPathEndingInSlash)
+TEST(CommandLadders, MkdirSkipsTheRelativeFormOfATopLevelName)
 {
-    expectLadder(removeLadder("/a/b/"), {{"/a", {"RMD b"}},
-                                         {"/a", {"DELE b"}},
-                                         {"", {"RMD a/b/"}},
-                                         {"/", {"RMD a/b/"}},
-                                         {"", {"DELE a/b/"}},
-                                         {"/", {"DELE a/b/"}},
-                                         {"", {"RMD /a/b/"}},
-                                         {"/", {"RMD /a/b/"}},
-                                         {"", {"DELE /a/b/"}},
-                                         {"/", {"DELE /a/b/"}}});
-    Ladder const file = removeLadder("/a/b");
-    ASSERT_EQ(file.size(), 10u);
-    EXPECT_EQ(file[0].commands, std::vector<std::string>{"DELE b"});
-    EXPECT_EQ(file[1].commands, std::vector<std::string>{"RMD b"});
-}
-
-TEST(RemoveLadder, DropsTheRelativeRungsWhenTheyEqualTheName)
-{
-    expectLadder(removeLadder("b.txt"), {{"/", {"DELE b.txt"}},
-                                         {"/", {"RMD b.txt"}},
-                                         {"", {"DELE /b.txt"}},
-                                         {"/", {"DELE /b.txt"}},
-                                         {"", {"RMD /b.txt"}},
-                                         {"/", {"RMD /b.txt"}}});
-    expectLadder(removeLadder(""), {});
-}
-
-TEST(MkdirLadder, SkipsTheRelativeFormOfATopLevelName)
-{
-    expectLadder(mkdirLadder("/b"), {{"/", {"MKD b"}}, {"", {"MKD /b"}}, {"/", {"MKD /b"}}});
-    expectLadder(mkdirLadder("/a/b"), {{"/a", {"MKD b"}},
-                                       {"", {"MKD a/b"}},
-                                       {"/", {"MKD a/b"}},
-                                       {"", {"MKD /a/b"}},
-                                       {"/", {"MKD /a/b"}}});
-    expectLadder(mkdirLadder(""), {});
+    EXPECT_EQ(rungs(mkdirLadder("/b")), (Rungs{"/: MKD b", ": MKD /b", "/: MKD /b"}));
+    EXPECT_EQ(rungs(mkdirLadder("/a/b")), (Rungs{"/a: MKD b", ": MKD a/b", "/: MKD a/b", ": MKD /a/b", "/: MKD /a/b"}));
+    EXPECT_TRUE(mkdirLadder("").empty());
 }
 
 } // namespace

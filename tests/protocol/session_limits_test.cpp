@@ -1,14 +1,11 @@
 // The time limits of every session operation, met for real: each test here waits out a limit of
 // ten or sixty seconds, so these run once, under the "slow" label.
-#include "session_test_support.hpp"
-#include "support/servers/ftp_test_server.hpp"
-#include "support/servers/silent_listener.hpp"
-#include "support/servers/sshd_test_server.hpp"
-#include "support/servers/test_certificates.hpp"
-#include "support/temp_dir.hpp"
+#include "session_fixture.hpp"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "support/servers/child_process.hpp"
+#include "support/servers/sshd_test_server.hpp"
+
+#include <unistd.h>
 
 #include <chrono>
 
@@ -16,27 +13,30 @@ namespace perchftp::test {
 namespace {
 
 using protocol::SessionResult;
-using protocol::TransferEventType;
 using testing::StartsWith;
 using Clock = std::chrono::steady_clock;
 
-double secondsSince(Clock::time_point start)
+// Runs an operation and says how long it took.
+template <typename Operation>
+std::pair<SessionResult, double> timed(Operation const& operation)
 {
-    return std::chrono::duration<double>(Clock::now() - start).count();
+    auto const start = Clock::now();
+    SessionResult result = operation();
+    return {result, std::chrono::duration<double>(Clock::now() - start).count()};
 }
 
 TEST(SessionLimits, GivesUpOnAServerThatNeverGreetsAfterTenSeconds)
 {
-    SilentListener silent;
+    int port = 0;
+    int const silent = listenOnLoopback(port, 0); // never accepts: the server never greets
     auto session = makeSession("ftp");
-    auto const start = Clock::now();
-    SessionResult const result = session->connect("127.0.0.1", silent.port(), "u", "p");
-    double const elapsed = secondsSince(start);
+    auto const [result, seconds] = timed([&] { return session->connect("127.0.0.1", port, "u", "p"); });
+    ::close(silent);
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.message, "ftp connect: Timeout was reached");
     EXPECT_FALSE(session->isConnected());
-    EXPECT_GT(elapsed, 9.5);
-    EXPECT_LT(elapsed, 15.0);
+    EXPECT_GT(seconds, 9.5);
+    EXPECT_LT(seconds, 15.0);
 }
 
 TEST(SessionLimits, EndsAListingThatGetsNoAnswerAfterSixtySeconds)
@@ -46,14 +46,12 @@ TEST(SessionLimits, EndsAListingThatGetsNoAnswerAfterSixtySeconds)
     auto session = makeSession("ftp");
     ASSERT_TRUE(session->connect("127.0.0.1", server.port(), server.user(), server.password()).ok);
     std::vector<protocol::RemoteEntry> entries;
-    auto const start = Clock::now();
-    SessionResult const result = session->list("/", entries);
-    double const elapsed = secondsSince(start);
+    auto const [result, seconds] = timed([&] { return session->list("/", entries); });
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.message, "ftp list: Timeout was reached");
     EXPECT_TRUE(session->isConnected());
-    EXPECT_GT(elapsed, 59.5);
-    EXPECT_LT(elapsed, 70.0);
+    EXPECT_GT(seconds, 59.5);
+    EXPECT_LT(seconds, 70.0);
 }
 
 TEST(SessionLimits, FailsAnUploadThatNeedsLongerThanSixtySeconds)
@@ -63,65 +61,41 @@ TEST(SessionLimits, FailsAnUploadThatNeedsLongerThanSixtySeconds)
     options.throttleBytesPerSecond = kBytesPerSecond;
     FtpTestServer server(options);
     TempDir local;
-    std::string const bytes = patternedBytes(100 * kBytesPerSecond);
-    writeFile(local.file("slow.bin"), bytes);
+    writeFile(local.file("slow.bin"), patternedBytes(100 * kBytesPerSecond));
     auto session = makeSession("ftp");
     ASSERT_TRUE(session->connect("127.0.0.1", server.port(), server.user(), server.password()).ok);
-
     EventRecorder recorder;
-    auto const start = Clock::now();
-    SessionResult const result = session->upload({local.file("slow.bin"), "/slow.bin", false}, recorder.callback());
-    double const elapsed = secondsSince(start);
+    auto const [result, seconds] =
+        timed([&] { return session->upload({local.file("slow.bin"), "/slow.bin", false}, recorder.callback()); });
     EXPECT_EQ(result.code, 5);
     EXPECT_EQ(result.message, "ftp upload: Timeout was reached");
-    EXPECT_GT(elapsed, 59.5);
-    EXPECT_LT(elapsed, 70.0);
-    ASSERT_FALSE(recorder.events().empty());
-    RecordedEvent const& failed = recorder.events().back();
-    EXPECT_EQ(failed.type, TransferEventType::Failed);
-    EXPECT_EQ(failed.total, bytes.size());
-    EXPECT_GT(failed.transferred, 0u);
+    EXPECT_GT(seconds, 59.5);
+    EXPECT_LT(seconds, 70.0);
+    ASSERT_FALSE(recorder.events.empty());
+    EXPECT_EQ(recorder.events.back().type, TransferEventType::Failed);
+    EXPECT_EQ(recorder.events.back().total, 100 * kBytesPerSecond);
+    EXPECT_GT(recorder.events.back().transferred, 0u);
 }
 
 // A client of one protocol meeting a server of another waits for a greeting that never comes in
-// its own language, and gives up at the connect limit.
-void expectRefusedAtTheConnectLimit(char const* protocolName, int port, std::string const& user,
-                                    std::string const& password)
+// its own language, and gives up by the connect limit.
+TEST(SessionLimits, RefusesAServerOfAnotherProtocol)
 {
-    auto session = makeSession(protocolName);
-    auto const start = Clock::now();
-    SessionResult const result = session->connect("127.0.0.1", port, user, password);
-    EXPECT_EQ(result.code, 1);
-    EXPECT_THAT(result.message, StartsWith(std::string(protocolName) + " connect: "));
-    EXPECT_FALSE(session->isConnected());
-    EXPECT_LT(secondsSince(start), 15.0);
-}
-
-TEST(SessionLimits, RefusesAnFtpServerMetBySftp)
-{
-    FtpTestServer server;
-    expectRefusedAtTheConnectLimit("sftp", server.port(), server.user(), server.password());
-}
-
-TEST(SessionLimits, RefusesAnImplicitTlsServerMetByPlainFtp)
-{
+    ASSERT_EQ(SshdTestServer::whyUnavailable(), "");
     TestCertificates certificates;
-    FtpTestServerOptions options;
-    options.implicitTls = true;
-    options.certificateFile = certificates.serverCertificate();
-    options.keyFile = certificates.serverKey();
-    FtpTestServer server(options);
-    expectRefusedAtTheConnectLimit("ftp", server.port(), server.user(), server.password());
-}
-
-TEST(SessionLimits, RefusesAnSshServerMetByFtp)
-{
-    std::string const reason = SshdTestServer::whyUnavailable();
-    if (!reason.empty()) {
-        GTEST_SKIP() << "skipped: sshd " << reason;
-    }
+    FtpTestServer ftp;
+    FtpTestServer ftps(implicitTls(certificates));
     SshdTestServer sshd;
-    expectRefusedAtTheConnectLimit("ftp", sshd.port(), sshd.user(), sshd.password());
+    for (auto const& [protocolName, port] : std::vector<std::pair<char const*, int>>{
+             {"sftp", ftp.port()}, {"ftp", ftps.port()}, {"ftp", sshd.port()}}) {
+        SCOPED_TRACE(protocolName);
+        auto session = makeSession(protocolName);
+        auto const [result, seconds] = timed([&] { return session->connect("127.0.0.1", port, "perch", "perch-secret"); });
+        EXPECT_EQ(result.code, 1);
+        EXPECT_THAT(result.message, StartsWith(std::string(protocolName) + " connect: "));
+        EXPECT_FALSE(session->isConnected());
+        EXPECT_LT(seconds, 15.0);
+    }
 }
 
 } // namespace

@@ -13,7 +13,7 @@ std::string secretOf(std::string const& key)
     return credentials ? credentials->secret : "<none>";
 }
 
-TEST(VaultBeforeInitialize, RefusesEverythingButRemoveAndClear)
+TEST(VaultBeforeInitialize, RefusesEverythingButRemoveAndClearAndClearThenInitializeStartsOpen)
 {
     EXPECT_IN_FRESH_PROCESS({
         CHILD_CHECK(vault::isLocked());
@@ -26,19 +26,12 @@ TEST(VaultBeforeInitialize, RefusesEverythingButRemoveAndClear)
         CHILD_CHECK(!vault::removeCredential("k"));
         vault::clear();
         CHILD_CHECK(vault::isLocked());
-    });
-}
-
-TEST(VaultBeforeInitialize, ClearThenInitializeStartsOpen)
-{
-    EXPECT_IN_FRESH_PROCESS({
-        vault::clear();
         CHILD_CHECK(vault::initialize(""));
         CHILD_CHECK(!vault::isLocked());
     });
 }
 
-TEST(VaultLocking, AKeyedVaultStartsLockedAndOpensOnlyWithItsKey)
+TEST(VaultLocking, AKeyedVaultOpensOnlyWithItsKeyAndAnEmptyKeyVaultWithAnyCandidate)
 {
     ASSERT_TRUE(vault::initialize("abcd"));
     EXPECT_TRUE(vault::isLocked());
@@ -49,10 +42,7 @@ TEST(VaultLocking, AKeyedVaultStartsLockedAndOpensOnlyWithItsKey)
     EXPECT_TRUE(vault::unlock("abcd"));
     EXPECT_FALSE(vault::isLocked());
     EXPECT_TRUE(vault::storeCredential("k", "u", "s"));
-}
 
-TEST(VaultLocking, AnEmptyKeyVaultLocksAndAnyCandidateOpensIt)
-{
     ASSERT_TRUE(vault::initialize(""));
     EXPECT_FALSE(vault::isLocked());
     EXPECT_TRUE(vault::lock());
@@ -62,7 +52,7 @@ TEST(VaultLocking, AnEmptyKeyVaultLocksAndAnyCandidateOpensIt)
     EXPECT_FALSE(vault::isLocked());
 }
 
-TEST(VaultSecrets, ComeBackRepeatedOrCutToTheKeysSize)
+TEST(VaultSecrets, ComeBackRepeatedOrCutToTheKeysSizeAndEmptyUnderAnEmptyKey)
 {
     ASSERT_TRUE(vault::initialize("abcd"));
     ASSERT_TRUE(vault::unlock("abcd"));
@@ -73,44 +63,26 @@ TEST(VaultSecrets, ComeBackRepeatedOrCutToTheKeysSize)
     EXPECT_EQ(secretOf("short"), "xyxy");
     EXPECT_EQ(secretOf("long"), "1234");
     EXPECT_EQ(vault::readCredential("short")->user, "bob");
-}
 
-TEST(VaultSecrets, AnEmptyKeyStoresNothingOfTheSecret)
-{
-    ASSERT_TRUE(vault::initialize(""));
-    ASSERT_TRUE(vault::storeCredential("k", "user", "secret"));
-    auto const credentials = vault::readCredential("k");
-    ASSERT_TRUE(credentials);
-    EXPECT_EQ(credentials->user, "user");
-    EXPECT_EQ(credentials->secret, "");
-}
-
-TEST(VaultSecrets, RefusesEmptyArgumentsAndKeepsTheLastStore)
-{
     ASSERT_TRUE(vault::initialize(""));
     EXPECT_FALSE(vault::storeCredential("", "u", "s"));
     EXPECT_FALSE(vault::storeCredential("k", "", "s"));
     EXPECT_FALSE(vault::storeCredential("k", "u", ""));
     EXPECT_FALSE(vault::readCredential("k"));
-    ASSERT_TRUE(vault::storeCredential("k", "first", "s"));
-    ASSERT_TRUE(vault::storeCredential("k", "second", "s"));
+    ASSERT_TRUE(vault::storeCredential("k", "first", "secret"));
+    ASSERT_TRUE(vault::storeCredential("k", "second", "secret"));
     EXPECT_EQ(vault::readCredential("k")->user, "second");
+    EXPECT_EQ(secretOf("k"), "");
 }
 
-TEST(VaultEntries, RemoveIgnoresTheLockAndReportsWhetherAnythingWent)
+TEST(VaultEntries, RemoveAndClearIgnoreTheLockAndInitializeStartsOver)
 {
     ASSERT_TRUE(vault::initialize(""));
     ASSERT_TRUE(vault::storeCredential("k", "u", "s"));
+    ASSERT_TRUE(vault::storeCredential("a", "u", "s"));
     ASSERT_TRUE(vault::lock());
     EXPECT_TRUE(vault::removeCredential("k"));
     EXPECT_FALSE(vault::removeCredential("k"));
-}
-
-TEST(VaultEntries, ClearWorksWhileLockedAndInitializeStartsOver)
-{
-    ASSERT_TRUE(vault::initialize(""));
-    ASSERT_TRUE(vault::storeCredential("a", "u", "s"));
-    ASSERT_TRUE(vault::lock());
     vault::clear();
     ASSERT_TRUE(vault::unlock(""));
     EXPECT_FALSE(vault::readCredential("a"));
@@ -133,7 +105,7 @@ TEST(VaultRotation, RefusesAWrongOldKeyOrALockedVaultAndChangesNothing)
     EXPECT_FALSE(vault::unlock("wxyz"));
 }
 
-TEST(VaultRotation, ReKeysSecretsUnderTheSizeRuleAndLeavesTheVaultOpen)
+TEST(VaultRotation, ReKeysSecretsUnderTheSizeRuleIncludingToAndFromAnEmptyKey)
 {
     ASSERT_TRUE(vault::initialize("abcd"));
     ASSERT_TRUE(vault::unlock("abcd"));
@@ -147,18 +119,11 @@ TEST(VaultRotation, ReKeysSecretsUnderTheSizeRuleAndLeavesTheVaultOpen)
     EXPECT_EQ(secretOf("k"), "wxwx");
     EXPECT_FALSE(vault::unlock("zz"));
     EXPECT_TRUE(vault::unlock("abcd"));
-}
 
-TEST(VaultRotation, ToAndFromAnEmptyKey)
-{
-    ASSERT_TRUE(vault::initialize("abcd"));
-    ASSERT_TRUE(vault::unlock("abcd"));
-    ASSERT_TRUE(vault::storeCredential("k", "u", "wxyz"));
     // To the empty key: the old key combined with the stored value gives back the secret, and
     // combining the empty new key with it leaves the empty key: the secret is gone.
     ASSERT_TRUE(vault::rotateCredentialKey("abcd", ""));
     EXPECT_EQ(secretOf("k"), "");
-    // Any candidate opens a vault without a key.
     ASSERT_TRUE(vault::lock());
     EXPECT_TRUE(vault::unlock("anything"));
     // From the empty key: the stored secret is empty, an empty pad returns the new key unchanged,

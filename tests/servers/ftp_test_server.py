@@ -1,22 +1,24 @@
 #!/usr/bin/python3
 """A scriptable FTP server for the tests, plain or with implicit TLS.
 
+Usage: ftp_test_server.py ROOT CONTROL PORT_FILE USER PASSWORD THROTTLE [CERT KEY]
+THROTTLE limits data connections to that many bytes a second (0: no limit); CERT and KEY (PEM)
+turn on implicit TLS.
+
 The test steers it through files in its control folder, read anew for every command:
   lists/<hex of folder>  exact bytes sent for a LIST in that folder ("/" is hex "2f")
-  lists/default          exact bytes sent for a LIST in any other folder
   replies.tsv            lines "MATCH<TAB>REPLY[<TAB>TIMES]": a command whose whole line or verb is
-                         MATCH gets REPLY instead of its normal handling, TIMES times or always.
+                         MATCH gets REPLY instead of its normal handling, TIMES times (always when negative).
                          REPLY "CLOSE" drops the control connection, "STALL" never answers.
 Every command line received is appended to record.log as it arrives. Once listening, the port is
-written to the file named by --port-file.
+written to PORT_FILE.
 """
 
-import argparse
 import os
 import sys
 
 from pyftpdlib.authorizers import DummyAuthorizer
-from pyftpdlib.handlers import DTPHandler, FTPHandler, ThrottledDTPHandler, TLS_FTPHandler, TLS_DTPHandler
+from pyftpdlib.handlers import FTPHandler, ThrottledDTPHandler, TLS_FTPHandler, TLS_DTPHandler
 from pyftpdlib.servers import FTPServer
 
 
@@ -65,16 +67,13 @@ def make_scripted(base):
                 self.respond(reply)
 
         def ftp_LIST(self, path):
-            folder = self.fs.fs2ftp(path)
-            for name in (folder.encode("utf-8", "surrogateescape").hex(), "default"):
-                try:
-                    with open(self._control_file("lists", name), "rb") as f:
-                        body = f.read()
-                except FileNotFoundError:
-                    continue
-                self.push_dtp_data(body, isproducer=False, cmd="LIST")
+            name = self.fs.fs2ftp(path).encode("utf-8", "surrogateescape").hex()
+            try:
+                with open(self._control_file("lists", name), "rb") as f:
+                    self.push_dtp_data(f.read(), isproducer=False, cmd="LIST")
                 return path
-            return super().ftp_LIST(path)
+            except FileNotFoundError:
+                return super().ftp_LIST(path)
 
     return ScriptedHandler
 
@@ -110,45 +109,28 @@ def tls_context(cert, key):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--root", required=True)
-    parser.add_argument("--control", required=True)
-    parser.add_argument("--port-file", required=True)
-    parser.add_argument("--user", required=True)
-    parser.add_argument("--password", required=True)
-    parser.add_argument("--implicit-tls", action="store_true")
-    parser.add_argument("--cert")
-    parser.add_argument("--key")
-    parser.add_argument("--throttle", type=int, default=0, help="bytes per second on data connections")
-    args = parser.parse_args()
-
+    root, control, port_file, user, password, throttle, *tls = sys.argv[1:]
     authorizer = DummyAuthorizer()
-    authorizer.add_user(args.user, args.password, args.root, perm="elradfmwMT")
-
-    if args.implicit_tls:
+    authorizer.add_user(user, password, root, perm="elradfmwMT")
+    if tls:
         handler = type("ImplicitTlsHandler", (ImplicitTlsMixin, make_scripted(TLS_FTPHandler)), {})
-        handler.ssl_context = tls_context(args.cert, args.key)
+        handler.ssl_context = tls_context(*tls)
         handler.dtp_handler = EarlyHandshakeTlsDTPHandler
     else:
         handler = make_scripted(FTPHandler)
-    if args.throttle:
-        throttled = ThrottledDTPHandler if handler.dtp_handler is DTPHandler else type(
-            "ThrottledTlsDTPHandler", (EarlyHandshakeTlsDTPHandler, ThrottledDTPHandler), {})
-        handler.dtp_handler = type("Throttled", (throttled,),
-                                   {"read_limit": args.throttle, "write_limit": args.throttle})
-    handler.control = args.control
+    if int(throttle):
+        base = (EarlyHandshakeTlsDTPHandler, ThrottledDTPHandler) if tls else (ThrottledDTPHandler,)
+        handler.dtp_handler = type("Throttled", base, {"read_limit": int(throttle), "write_limit": int(throttle)})
+    handler.control = control
     handler.authorizer = authorizer
     handler.permit_foreign_addresses = False
     handler.banner = "PerchFtp test server ready."
 
     server = FTPServer(("127.0.0.1", 0), handler)
     server.max_cons = 64
-    port = server.socket.getsockname()[1]
-    temporary = args.port_file + ".tmp"
-    with open(temporary, "w") as f:
-        f.write(str(port))
-    os.rename(temporary, args.port_file)
-    sys.stdout.flush()
+    with open(port_file + ".tmp", "w") as f:
+        f.write(str(server.socket.getsockname()[1]))
+    os.rename(port_file + ".tmp", port_file)
     server.serve_forever(handle_exit=True)
 
 

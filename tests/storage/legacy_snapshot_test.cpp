@@ -10,54 +10,15 @@
 namespace perchftp::storage::detail {
 namespace {
 
+using test::describe;
+
 // A full header: every setting differs from its default, and the dark-theme line carries the
 // default protocol behind its integer.
-constexpr char const* kHeader = "3 2\n"
-                                "0\n"
-                                "4\n"
-                                "6\n"
-                                "0 ftp\n"
-                                "45000\n"
-                                "1\n"
-                                "  {\"split\":0.4}\n";
-
-constexpr char const* kOfficeRecord = "7 this rest is ignored\n"
-                                      "  Office  \n"
-                                      "SFTP\n"
-                                      "Files.Example.com\n"
-                                      "2222\n"
-                                      "ana\n"
-                                      "s3cret with spaces\n"
-                                      "/home/ana\n"
-                                      "/srv/www\n"
-                                      "2\n"
-                                      "Clients\n"
-                                      "1\n"
-                                      "1\n"
-                                      "0\n"
-                                      "ascii\n"
-                                      "5000\n"
-                                      "7000\n"
-                                      "0\n";
-
-constexpr char const* kHomeRecord = "3\n"
-                                    "Home\n"
-                                    "ftp\n"
-                                    "nas.local\n"
-                                    "70000\n"
-                                    "\n"
-                                    "\n"
-                                    "\n"
-                                    "\n"
-                                    "1\n"
-                                    "\n"
-                                    "yes\n"
-                                    "2\n"
-                                    "-1\n"
-                                    "Ascii\n"
-                                    "abc\n"
-                                    "45s\n"
-                                    "xyz\n";
+constexpr char const* kHeader = "3 2\n0\n4\n6\n0 ftp\n45000\n1\n  {\"split\":0.4}\n";
+constexpr char const* kOfficeRecord = "7 this rest is ignored\n  Office  \nSFTP\nFiles.Example.com\n2222\nana\n"
+                                      "s3cret with spaces\n/home/ana\n/srv/www\n2\nClients\n1\n1\n0\nascii\n5000\n7000\n0\n";
+// Unparsable lines take their defaults, then normalisation repairs the rest.
+constexpr char const* kHomeRecord = "3\nHome\nftp\nnas.local\n70000\n\n\n\n\n1\n\nyes\n2\n-1\nAscii\nabc\n45s\nxyz\n";
 
 class LegacySnapshotTest : public testing::Test {
 protected:
@@ -75,95 +36,30 @@ TEST_F(LegacySnapshotTest, ReadsTheHeaderAndEveryFieldOfEachRecordAsItStands)
 {
     auto const snapshot = loadText(std::string(kHeader) + kOfficeRecord + kHomeRecord);
     ASSERT_TRUE(snapshot.has_value());
-    AppSettings settings;
-    settings.autoReconnect = false;
-    settings.concurrentTransfers = 4;
-    settings.retryLimit = 6;
-    settings.useDarkTheme = false;
-    settings.defaultProtocol = " ftp"; // the rest of the dark-theme line, leading blank included
-    settings.operationTimeoutMs = 45000;
-    settings.logLevel = 1;
-    settings.uiLayoutJson = "{\"split\":0.4}";
     EXPECT_EQ(snapshot->version, 3);
-    EXPECT_EQ(snapshot->settings, settings);
+    // The protocol is the rest of the dark-theme line, leading blank included.
+    EXPECT_EQ(describe(snapshot->settings), "0|4|6|0| ftp|45000|1|{\"split\":0.4}");
     ASSERT_EQ(snapshot->profiles.size(), 2U);
-
-    SiteProfile office;
-    office.id = 7;
-    office.name = "  Office  ";
-    office.protocol = "SFTP";
-    office.host = "Files.Example.com";
-    office.port = 2222;
-    office.user = "ana";
-    office.secretRef = "s3cret with spaces";
-    office.localRoot = "/home/ana";
-    office.remoteRoot = "/srv/www";
-    office.status = 2;
-    office.group = "Clients";
-    office.favorite = office.quickConnect = true;
-    office.transferMode = TransferMode::Ascii;
-    office.connectTimeoutMs = 5000;
-    office.transferTimeoutMs = 7000;
-    office.useEncryption = false;
-    EXPECT_EQ(snapshot->profiles[0], office);
+    EXPECT_EQ(describe(snapshot->profiles[0]),
+              "7|  Office  |SFTP|Files.Example.com|2222|ana|s3cret with spaces|/home/ana|/srv/www|2|Clients|110|1|5000|7000|0");
+    // 70000 is read, then repaired; "yes" is no number; -1 is not 0; "Ascii" is not the word;
+    // letters behind the digits do no harm.
+    EXPECT_EQ(describe(snapshot->profiles[1]), "3|Home|ftp|nas.local|21|||||1|General|011|0|10000|45|1");
 }
 
-TEST_F(LegacySnapshotTest, UnparsableLinesTakeTheirDefaultsAndNormalisationRepairsTheRest)
-{
-    auto const snapshot = loadText(std::string(kHeader) + kOfficeRecord + kHomeRecord);
-    ASSERT_EQ(snapshot->profiles.size(), 2U);
-    SiteProfile home;
-    home.id = 3;
-    home.name = "Home";
-    home.protocol = "ftp";
-    home.host = "nas.local";
-    home.port = 21; // 70000 is read, then repaired
-    home.group = "General";
-    home.favorite = false; // "yes" is no number
-    home.quickConnect = true;
-    home.autoConnect = true; // -1 is not 0
-    home.transferMode = TransferMode::Binary; // "Ascii" is not the word
-    home.connectTimeoutMs = 10000;
-    home.transferTimeoutMs = 45; // letters behind the digits do no harm
-    home.useEncryption = true;
-    EXPECT_EQ(snapshot->profiles[1], home);
-}
-
-TEST_F(LegacySnapshotTest, AVersionAndCountLineAloneGivesDefaultSettingsAndNoProfiles)
+TEST_F(LegacySnapshotTest, ReadsHeadersOfEveryShapeAndRefusesTextWithoutTwoLeadingIntegers)
 {
     EXPECT_EQ(loadText("3 0"), Snapshot{});
     EXPECT_EQ(loadText("-12 0\n"), Snapshot{}); // no version is refused; each becomes 3
-}
+    // An integer that ends its line leaves the protocol empty (repaired to the default) and shifts
+    // the next line to the layout, past the two integers that cannot parse it.
+    EXPECT_EQ(describe(loadText("3 0\n0\n5\n7\n0\nwide layout\n").value().settings), "0|5|7|0|sftp|30000|2|wide layout");
+    EXPECT_EQ(describe(loadText("3 0 1 9 8 1 ftps\n100 3 []\n").value().settings), "1|9|8|1| ftps|100|3|[]");
 
-TEST_F(LegacySnapshotTest, TextThatDoesNotBeginWithTwoIntegersIsRefused)
-{
     EXPECT_FALSE(loadText("").has_value());
     EXPECT_FALSE(loadText("hello world\n").has_value());
     EXPECT_FALSE(loadText("3\nprofiles\n").has_value());
     EXPECT_FALSE(loadLegacySnapshotFromPath(dir.file("missing")).has_value());
-}
-
-TEST_F(LegacySnapshotTest, AnIntegerThatEndsItsLineLeavesTheProtocolEmptyAndShiftsTheNextLineToTheLayout)
-{
-    AppSettings expected;
-    expected.autoReconnect = false;
-    expected.concurrentTransfers = 5;
-    expected.retryLimit = 7;
-    expected.useDarkTheme = false;
-    expected.uiLayoutJson = "wide layout"; // what the timeout and the log level could not parse
-    EXPECT_EQ(loadText("3 0\n0\n5\n7\n0\nwide layout\n").value().settings, expected);
-}
-
-TEST_F(LegacySnapshotTest, HeaderIntegersMayShareALine)
-{
-    AppSettings expected;
-    expected.concurrentTransfers = 9;
-    expected.retryLimit = 8;
-    expected.defaultProtocol = " ftps";
-    expected.operationTimeoutMs = 100;
-    expected.logLevel = 3;
-    expected.uiLayoutJson = "[]";
-    EXPECT_EQ(loadText("3 0 1 9 8 1 ftps\n100 3 []\n").value().settings, expected);
 }
 
 std::string withCount(char const* count)
@@ -171,7 +67,7 @@ std::string withCount(char const* count)
     return std::string(kHeader).replace(2, 1, count);
 }
 
-TEST_F(LegacySnapshotTest, TheFirstBrokenRecordEndsTheReadingAndTheOnesBeforeItStand)
+TEST_F(LegacySnapshotTest, TheCountAndTheFirstBrokenRecordEndTheReadingAndTheRecordsBeforeStand)
 {
     std::string cutAfterStatus = kHomeRecord;
     cutAfterStatus.resize(cutAfterStatus.find("1\n\nyes") + 2);
@@ -183,16 +79,13 @@ TEST_F(LegacySnapshotTest, TheFirstBrokenRecordEndsTheReadingAndTheOnesBeforeItS
     auto const brokenFirst = loadText(withCount("3") + "not-an-id\n" + kOfficeRecord + kHomeRecord);
     ASSERT_TRUE(brokenFirst.has_value());
     EXPECT_TRUE(brokenFirst->profiles.empty());
-}
 
-TEST_F(LegacySnapshotTest, TheCountDecidesHowManyRecordsAreReadAndALargeOneStopsAtTheEnd)
-{
     EXPECT_EQ(loadText(withCount("1") + kOfficeRecord + kHomeRecord)->profiles.size(), 1U);
     EXPECT_EQ(loadText(withCount("900000000") + kOfficeRecord + kHomeRecord)->profiles.size(), 2U);
     EXPECT_EQ(loadText(withCount("-1") + kOfficeRecord)->profiles.size(), 1U); // read as unsigned: huge
 }
 
-TEST(LegacyReadOrDefault, ReadsAcrossLineEndsAndNeverSkipsWhatItFailedToParse)
+TEST(LegacyReading, ReadOrDefaultReadsAcrossLineEndsAndNeverSkipsWhatItFailedToParse)
 {
     std::istringstream in("  \n 42 0 abc 12\nrest");
     int number = 0;
@@ -214,34 +107,24 @@ TEST(LegacyReadOrDefault, ReadsAcrossLineEndsAndNeverSkipsWhatItFailedToParse)
     EXPECT_EQ(line, "fallback");
 }
 
-TEST(LegacyParseIntOrDefault, ParsesALeadingDecimalNumberAndFallsBackOtherwise)
+TEST(LegacyReading, ParseIntOrDefaultTakesALeadingDecimalNumberThatFitsAndFallsBackOtherwise)
 {
-    EXPECT_EQ(parseIntOrDefault("", 7), 7);
-    EXPECT_EQ(parseIntOrDefault("42", 7), 42);
-    EXPECT_EQ(parseIntOrDefault(" \t42", 7), 42);
-    EXPECT_EQ(parseIntOrDefault("42abc", 7), 42);
-    EXPECT_EQ(parseIntOrDefault("-8", 7), -8);
-    EXPECT_EQ(parseIntOrDefault("+8", 7), 8);
-    EXPECT_EQ(parseIntOrDefault("abc", 7), 7);
-    EXPECT_EQ(parseIntOrDefault("-", 7), 7);
-    EXPECT_EQ(parseIntOrDefault("x42", 7), 7);
-    EXPECT_EQ(parseIntOrDefault("2147483647", 7), 2147483647);
-    EXPECT_EQ(parseIntOrDefault("-2147483648", 7), -2147483647 - 1);
-    EXPECT_EQ(parseIntOrDefault("2147483648", 7), 7);
-    EXPECT_EQ(parseIntOrDefault("-2147483649", 7), 7);
-    EXPECT_EQ(parseIntOrDefault("99999999999999999999999", 7), 7);
+    for (auto const& [text, value] : std::vector<std::pair<std::string, int>>{
+             {"", 7}, {"42", 42}, {" \t42", 42}, {"42abc", 42}, {"-8", -8}, {"+8", 8}, {"abc", 7}, {"-", 7},
+             {"x42", 7}, {"2147483647", 2147483647}, {"-2147483648", -2147483647 - 1}, {"2147483648", 7},
+             {"-2147483649", 7}, {"99999999999999999999999", 7}}) {
+        EXPECT_EQ(parseIntOrDefault(text, 7), value) << text;
+    }
 }
 
 TEST_F(LegacySnapshotTest, OnlyTheFifteenHeaderBytesMarkADatabase)
 {
-    test::writeFile(path, "SQLite format 3");
-    EXPECT_TRUE(fileLooksLikeSqliteDatabase(path));
-    test::writeFile(path, std::string("SQLite format 3\0anything", 24));
-    EXPECT_TRUE(fileLooksLikeSqliteDatabase(path));
-    test::writeFile(path, "SQLite format");
-    EXPECT_FALSE(fileLooksLikeSqliteDatabase(path));
-    test::writeFile(path, "sqlite format 3");
-    EXPECT_FALSE(fileLooksLikeSqliteDatabase(path));
+    for (auto const& [bytes, database] : std::vector<std::pair<std::string, bool>>{
+             {"SQLite format 3", true}, {std::string("SQLite format 3\0anything", 24), true},
+             {"SQLite format", false}, {"sqlite format 3", false}}) {
+        test::writeFile(path, bytes);
+        EXPECT_EQ(fileLooksLikeSqliteDatabase(path), database) << bytes;
+    }
     EXPECT_FALSE(fileLooksLikeSqliteDatabase(dir.file("missing")));
 }
 

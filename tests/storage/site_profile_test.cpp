@@ -1,12 +1,16 @@
 #include "storage/site_profile.hpp"
 #include "storage/sqlite_store.hpp"
 
+#include "storage/store_fixture.hpp"
+
 #include <gtest/gtest.h>
 
 namespace perchftp::storage {
 namespace {
 
-TEST(ApplyDefaults, RepairsOnlyProtocolTimeoutLogLevelAndLayout)
+using test::describe;
+
+TEST(SiteProfileDefaults, ApplyDefaultsRepairsOnlyProtocolTimeoutLogLevelAndLayout)
 {
     AppSettings settings;
     settings.defaultProtocol = "";
@@ -18,28 +22,15 @@ TEST(ApplyDefaults, RepairsOnlyProtocolTimeoutLogLevelAndLayout)
     auto const snapshot = applyDefaults(settings);
     EXPECT_EQ(snapshot.version, 3);
     EXPECT_TRUE(snapshot.profiles.empty());
-    EXPECT_EQ(snapshot.settings.defaultProtocol, "sftp");
-    EXPECT_EQ(snapshot.settings.operationTimeoutMs, 30000);
-    EXPECT_EQ(snapshot.settings.logLevel, 0); // not the default of 2
-    EXPECT_EQ(snapshot.settings.uiLayoutJson, "{}");
-    EXPECT_EQ(snapshot.settings.concurrentTransfers, -7);
-    EXPECT_EQ(snapshot.settings.retryLimit, 0);
+    EXPECT_EQ(describe(snapshot.settings), "1|-7|0|1|sftp|30000|0|{}"); // log level 0, not the default 2
 
     settings.defaultProtocol = "gopher";
     settings.operationTimeoutMs = 1;
-    EXPECT_EQ(applyDefaults(settings).settings.defaultProtocol, "gopher");
-    EXPECT_EQ(applyDefaults(settings).settings.operationTimeoutMs, 1);
+    EXPECT_EQ(describe(applyDefaults(settings).settings), "1|-7|0|1|gopher|1|0|{}");
 }
 
-TEST(NormalizeSiteProfile, RepairsPortTimeoutsGroupAndModeButTrimsAndRejectsNothing)
+TEST(SiteProfileDefaults, NormalizingRepairsPortTimeoutsGroupAndModeButTrimsAndRejectsNothing)
 {
-    for (int const port : {0, -1, 65536}) {
-        SiteProfile profile;
-        profile.protocol = "sftp";
-        profile.port = port;
-        normalizeSiteProfile(profile);
-        EXPECT_EQ(profile.port, 21) << port;
-    }
     SiteProfile profile;
     profile.name = "  padded  ";
     profile.protocol = " SFTP ";
@@ -48,48 +39,36 @@ TEST(NormalizeSiteProfile, RepairsPortTimeoutsGroupAndModeButTrimsAndRejectsNoth
     profile.connectTimeoutMs = 0;
     profile.transferTimeoutMs = -3;
     profile.transferMode = static_cast<TransferMode>(3);
-    auto expected = profile;
-    expected.connectTimeoutMs = 10000;
-    expected.transferTimeoutMs = 60000;
-    expected.group = "General";
-    expected.transferMode = TransferMode::Binary;
     normalizeSiteProfile(profile);
-    EXPECT_EQ(profile, expected);
-
+    EXPECT_EQ(describe(profile), "0|  padded  | SFTP ||65535|||||9|General|000|0|10000|60000|1");
     profile.port = 1;
     profile.connectTimeoutMs = 1;
     profile.group = "   ";
-    expected = profile;
     normalizeSiteProfile(profile);
-    EXPECT_EQ(profile, expected);
-}
+    EXPECT_EQ(describe(profile), "0|  padded  | SFTP ||1|||||9|   |000|0|1|60000|1");
 
-TEST(NormalizeSnapshot, SetsVersionThreeAndRepairsEveryProfileInPlaceAndOrder)
-{
     Snapshot snapshot;
     snapshot.version = 1;
     snapshot.settings.logLevel = -4;
-    for (int port : {0, 990, 70000}) {
-        SiteProfile profile;
-        profile.port = port;
-        snapshot.profiles.push_back(profile);
+    for (int port : {0, -1, 990, 65536, 70000}) {
+        snapshot.profiles.push_back(SiteProfile{});
+        snapshot.profiles.back().port = port;
     }
     auto const normalized = normalizeSnapshot(snapshot);
     EXPECT_EQ(normalized.version, 3);
     EXPECT_EQ(normalized.settings.logLevel, 0);
-    ASSERT_EQ(normalized.profiles.size(), 3U);
-    EXPECT_EQ(normalized.profiles[0].port, 21);
-    EXPECT_EQ(normalized.profiles[1].port, 990);
-    EXPECT_EQ(normalized.profiles[2].port, 21);
+    ASSERT_EQ(normalized.profiles.size(), 5U);
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(normalized.profiles[i].port, i == 2 ? 990 : 21) << i;
+    }
 }
 
-TEST(TransferModeWords, MapBothWaysWithExactLowerCaseWordsOnly)
+TEST(SiteProfileDefaults, TransferModeWordsMapBothWaysWithExactLowerCaseWordsOnly)
 {
     EXPECT_EQ(transferModeToString(TransferMode::Binary), "binary");
     EXPECT_EQ(transferModeToString(TransferMode::Ascii), "ascii");
     EXPECT_EQ(transferModeToString(TransferMode::Eager), "eager");
     EXPECT_EQ(transferModeToString(static_cast<TransferMode>(17)), "binary");
-
     using detail::SQLiteStore;
     EXPECT_EQ(SQLiteStore::transferModeFromString("ascii"), TransferMode::Ascii);
     EXPECT_EQ(SQLiteStore::transferModeFromString("eager"), TransferMode::Eager);

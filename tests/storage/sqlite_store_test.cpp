@@ -1,16 +1,12 @@
 #include "storage/legacy_snapshot.hpp"
 #include "storage/persistent_store.hpp"
 
-#include "storage/raw_database.hpp"
 #include "storage/store_fixture.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 #include <chrono>
-#include <filesystem>
 
 namespace perchftp::storage {
 namespace {
@@ -31,25 +27,24 @@ Snapshot withProfiles(std::vector<SiteProfile> profiles)
     return snapshot;
 }
 
+// Two profiles with one id: the second insert breaks the save's transaction.
+Snapshot const kUnsaveable = withProfiles({makeProfile(4, "x.example"), makeProfile(4, "y.example")});
+
 class SqliteStoreTest : public testing::Test {
 protected:
     std::string databasePath() const { return dir.file("perchftp-sites.db"); }
     std::unique_ptr<IPersistentStore> store() const { return createFileStore(databasePath()); }
+    int count(std::string const& sql) { return std::stoi(RawDatabase(databasePath()).text(sql)); }
 
     test::TempDir dir;
 };
 
-TEST_F(SqliteStoreTest, LoadWithoutAFileGivesNothingAndCreatesNothing)
+TEST_F(SqliteStoreTest, SaveMakesMissingFoldersAndLoadGivesBackTheRepairedSnapshotOrderedById)
 {
     EXPECT_EQ(store()->schemaVersion(), 3);
     EXPECT_FALSE(store()->load().has_value());
-    EXPECT_TRUE(fs::is_empty(dir.path()));
-    EXPECT_FALSE(createFileStore("")->load().has_value());
-    EXPECT_FALSE(createFileStore("")->save(Snapshot{}));
-}
+    EXPECT_TRUE(fs::is_empty(dir.path())) << "a load without a file creates nothing";
 
-TEST_F(SqliteStoreTest, SaveMakesMissingFoldersAndLoadGivesBackTheRepairedSnapshotOrderedById)
-{
     auto const path = (dir.path() / "a" / "b" / "perchftp-sites.db").string();
     auto full = makeProfile(9, "files.example.com");
     full.name = "  Office  ";
@@ -85,45 +80,35 @@ TEST_F(SqliteStoreTest, SaveMakesMissingFoldersAndLoadGivesBackTheRepairedSnapsh
     RawDatabase raw(path);
     EXPECT_EQ(raw.text("SELECT secret_ref FROM site_profiles WHERE id = 9"), "p@ss w0rd\"'");
     EXPECT_EQ(raw.text("SELECT transfer_mode FROM site_profiles WHERE id = 9"), "eager");
-    EXPECT_EQ(raw.integer("SELECT version FROM app_settings WHERE id = 1"), 3);
+    EXPECT_EQ(raw.text("SELECT version FROM app_settings WHERE id = 1"), "3");
     EXPECT_EQ(raw.text("PRAGMA journal_mode"), "wal");
 }
 
-TEST_F(SqliteStoreTest, AnEmptySnapshotLeavesOneSettingsRowAndAnEmptySettingsTableLoadsDefaults)
-{
-    ASSERT_TRUE(store()->save(Snapshot{}));
-    {
-        RawDatabase raw(databasePath());
-        EXPECT_EQ(raw.integer("SELECT count(*) FROM app_settings"), 1);
-        EXPECT_EQ(raw.integer("SELECT count(*) FROM site_profiles"), 0);
-        ASSERT_TRUE(raw.exec("UPDATE app_settings SET log_level = 5"));
-    }
-    EXPECT_EQ(store()->load()->settings.logLevel, 5);
-    RawDatabase(databasePath()).exec("DELETE FROM app_settings");
-    EXPECT_EQ(store()->load(), Snapshot{});
-}
-
-TEST_F(SqliteStoreTest, ASaveReplacesEverythingAndAFailedOneLeavesTheOldContent)
+TEST_F(SqliteStoreTest, ASaveReplacesEverythingInOneTransactionAndAnEmptySettingsTableLoadsDefaults)
 {
     ASSERT_TRUE(store()->save(withProfiles({makeProfile(1, "a.example"), makeProfile(2, "b.example")})));
     ASSERT_TRUE(store()->save(withProfiles({makeProfile(5, "kept.example")})));
-    EXPECT_FALSE(store()->save(withProfiles({makeProfile(4, "x.example"), makeProfile(4, "y.example")})));
+    EXPECT_FALSE(store()->save(kUnsaveable));
     auto const loaded = store()->load();
     ASSERT_EQ(loaded->profiles.size(), 1U);
     EXPECT_EQ(loaded->profiles[0].host, "kept.example");
-}
 
-TEST_F(SqliteStoreTest, LoadCreatesTheTablesInADatabaseThatHasNone)
-{
-    RawDatabase(databasePath()).exec("PRAGMA user_version = 7");
+    ASSERT_TRUE(store()->save(Snapshot{}));
+    EXPECT_EQ(count("SELECT count(*) FROM app_settings"), 1);
+    EXPECT_EQ(count("SELECT count(*) FROM site_profiles"), 0);
+    ASSERT_TRUE(RawDatabase(databasePath()).exec("UPDATE app_settings SET log_level = 5"));
+    EXPECT_EQ(store()->load()->settings.logLevel, 5);
+    ASSERT_TRUE(RawDatabase(databasePath()).exec("DELETE FROM app_settings"));
     EXPECT_EQ(store()->load(), Snapshot{});
-    EXPECT_EQ(RawDatabase(databasePath())
-                  .integer("SELECT count(*) FROM sqlite_master WHERE name IN ('app_settings', 'site_profiles')"),
-        2);
 }
 
-TEST_F(SqliteStoreTest, NullTextsAndUnknownModeWordsReadAsDefaults)
+TEST_F(SqliteStoreTest, LoadCreatesMissingTablesAndReadsNullTextsAndUnknownModeWordsAsDefaults)
 {
+    ASSERT_TRUE(RawDatabase(databasePath()).exec("PRAGMA user_version = 7"));
+    EXPECT_EQ(store()->load(), Snapshot{});
+    EXPECT_EQ(count("SELECT count(*) FROM sqlite_master WHERE name IN ('app_settings', 'site_profiles')"), 2);
+
+    fs::remove(databasePath());
     {
         // Looser tables than the store's own, which CREATE TABLE IF NOT EXISTS leaves in place.
         RawDatabase raw(databasePath());
@@ -141,16 +126,9 @@ TEST_F(SqliteStoreTest, NullTextsAndUnknownModeWordsReadAsDefaults)
     }
     auto const loaded = store()->load();
     ASSERT_TRUE(loaded.has_value());
-    EXPECT_EQ(loaded->settings.defaultProtocol, "sftp");
-    EXPECT_EQ(loaded->settings.uiLayoutJson, "{}");
-    EXPECT_EQ(loaded->settings.concurrentTransfers, 4);
+    EXPECT_EQ(test::describe(loaded->settings), "0|4|5|0|sftp|100|1|{}");
     ASSERT_EQ(loaded->profiles.size(), 2U);
-    auto const& sparse = loaded->profiles[0];
-    EXPECT_EQ(sparse.user, "");
-    EXPECT_EQ(sparse.group, "General");
-    EXPECT_TRUE(sparse.favorite);
-    EXPECT_EQ(sparse.transferMode, TransferMode::Binary);
-    EXPECT_EQ(sparse.connectTimeoutMs, 10000);
+    EXPECT_EQ(test::describe(loaded->profiles[0]), "1|a|ftp|h|21|||||1|General|100|0|10000|60000|0");
     EXPECT_EQ(loaded->profiles[1].transferMode, TransferMode::Eager);
 }
 
@@ -174,22 +152,18 @@ TEST_F(SqliteStoreTest, RowsReadBeforeAFailingStepStand)
     EXPECT_EQ(loaded->profiles[1].host, "two");
 }
 
-TEST_F(SqliteStoreTest, ADatabaseWithOtherColumnsLoadsNoProfilesAndRefusesToSave)
+TEST_F(SqliteStoreTest, ADatabaseItCannotUseLoadsNothingAndIsNotOverwritten)
 {
     {
         RawDatabase raw(databasePath());
         ASSERT_TRUE(raw.exec("CREATE TABLE site_profiles (id INTEGER PRIMARY KEY, name TEXT)"));
         ASSERT_TRUE(raw.exec("INSERT INTO site_profiles VALUES (1, 'old')"));
     }
-    EXPECT_EQ(store()->load(), Snapshot{});
+    EXPECT_EQ(store()->load(), Snapshot{}) << "other columns: no profiles";
     EXPECT_FALSE(store()->save(withProfiles({makeProfile(1, "h")})));
     EXPECT_EQ(RawDatabase(databasePath()).text("SELECT name FROM site_profiles"), "old");
-}
 
-TEST_F(SqliteStoreTest, ADamagedDatabaseLoadsNothingAndIsNotOverwritten)
-{
-    std::string damaged("SQLite format 3", 16);
-    damaged += std::string(4000, 'x');
+    std::string const damaged = std::string("SQLite format 3", 16) + std::string(4000, 'x');
     test::writeFile(databasePath(), damaged);
     EXPECT_FALSE(store()->load().has_value());
     EXPECT_FALSE(store()->save(Snapshot{}));
@@ -202,7 +176,6 @@ TEST_F(SqliteStoreTest, ALockedDatabaseStillLoadsItsCommittedContentAndRefusesAS
     RawDatabase writer(databasePath());
     ASSERT_TRUE(writer.exec("BEGIN IMMEDIATE TRANSACTION"));
     ASSERT_TRUE(writer.exec("UPDATE site_profiles SET host = 'uncommitted.example'"));
-
     auto const loaded = store()->load();
     ASSERT_TRUE(loaded.has_value());
     EXPECT_EQ(loaded->profiles.at(0).host, "committed.example");
@@ -214,7 +187,7 @@ TEST_F(SqliteStoreTest, ALockedDatabaseStillLoadsItsCommittedContentAndRefusesAS
     EXPECT_EQ(store()->load()->profiles.size(), 1U);
 }
 
-TEST_F(SqliteStoreTest, AFileThatIsNeitherDatabaseNorLegacyLoadsNothingAndIsReplacedBySave)
+TEST_F(SqliteStoreTest, AnyOtherFileAtThePathIsDeletedBySaveEvenWhenTheSaveThenFails)
 {
     for (std::string const& junk : {std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), std::string()}) {
         test::writeFile(databasePath(), junk);
@@ -224,29 +197,27 @@ TEST_F(SqliteStoreTest, AFileThatIsNeitherDatabaseNorLegacyLoadsNothingAndIsRepl
         EXPECT_EQ(store()->load()->profiles.at(0).host, "fresh.example");
         fs::remove(databasePath());
     }
-}
 
-TEST_F(SqliteStoreTest, ALegacyFileIsReadAndReplacedByADatabaseAtTheFirstSave)
-{
     test::writeFile(databasePath(), kLegacyText);
-    auto const loaded = store()->load();
-    ASSERT_TRUE(loaded.has_value());
-    EXPECT_EQ(loaded->profiles.at(0).secretRef, "hunter2");
-    EXPECT_FALSE(detail::fileLooksLikeSqliteDatabase(databasePath()));
-    ASSERT_TRUE(store()->save(*loaded));
+    auto const legacy = store()->load();
+    ASSERT_TRUE(legacy.has_value());
+    EXPECT_EQ(legacy->profiles.at(0).secretRef, "hunter2");
+    ASSERT_TRUE(store()->save(*legacy));
     EXPECT_TRUE(detail::fileLooksLikeSqliteDatabase(databasePath()));
-    EXPECT_EQ(store()->load(), loaded);
-}
+    EXPECT_EQ(store()->load(), legacy);
 
-TEST_F(SqliteStoreTest, ALegacyFileIsGoneEvenWhenTheSaveThatReplacesItFails)
-{
+    fs::remove(databasePath());
     test::writeFile(databasePath(), kLegacyText);
-    EXPECT_FALSE(store()->save(withProfiles({makeProfile(4, "x.example"), makeProfile(4, "y.example")})));
-    EXPECT_EQ(store()->load(), Snapshot{});
+    EXPECT_FALSE(store()->save(kUnsaveable));
+    EXPECT_EQ(store()->load(), Snapshot{}) << "the legacy content is gone";
 }
 
-TEST_F(SqliteStoreTest, ASaveWhoseFolderCannotBeMadeOrWhosePathIsAFolderFailsAndChangesNothing)
+TEST_F(SqliteStoreTest, AnUnusablePathFailsAndChangesNothing)
 {
+    EXPECT_FALSE(createFileStore("")->load().has_value());
+    EXPECT_FALSE(createFileStore("")->save(Snapshot{}));
+
+    // A regular file where a folder should be: even root cannot make the folder.
     test::writeFile(dir.path() / "blocker", "not a folder");
     auto const blocked = createFileStore((dir.path() / "blocker" / "sub" / "perchftp-sites.db").string());
     EXPECT_FALSE(blocked->save(Snapshot{}));
@@ -260,48 +231,30 @@ TEST_F(SqliteStoreTest, ASaveWhoseFolderCannotBeMadeOrWhosePathIsAFolderFailsAnd
     EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 2);
 }
 
-// Sets the umask for the life of the object.
-class Umask {
-public:
-    explicit Umask(mode_t mask)
-        : previous_(::umask(mask))
-    {
-    }
-    ~Umask() { ::umask(previous_); }
-    Umask(Umask const&) = delete;
-    Umask& operator=(Umask const&) = delete;
-
-private:
-    mode_t previous_;
-};
-
-TEST_F(SqliteStoreTest, NewFoldersAreOwnerOnlyAndTheDatabaseIsPrivateWhateverTheUmask)
+TEST_F(SqliteStoreTest, NewFoldersAreOwnerOnlyAndTheDatabaseAndItsCompanionsPrivateWhateverTheUmask)
 {
-    Umask const permissive(0);
+    auto const previousMask = ::umask(0);
     auto const before = permissionBits(dir.path());
-    auto const path = dir.path() / "data" / "PerchFtp" / "perchftp-sites.db";
-    ASSERT_TRUE(createFileStore(path.string())->save(Snapshot{}));
+    auto const path = (dir.path() / "data" / "PerchFtp" / "perchftp-sites.db").string();
+    ASSERT_TRUE(createFileStore(path)->save(Snapshot{}));
     EXPECT_EQ(permissionBits(dir.path()), before);
     EXPECT_EQ(permissionBits(dir.path() / "data"), 0700);
     EXPECT_EQ(permissionBits(dir.path() / "data" / "PerchFtp"), 0700);
     EXPECT_EQ(permissionBits(path), 0600);
-}
 
-TEST_F(SqliteStoreTest, ARewriteNarrowsTheDatabaseAndItsCompanionFilesToTheOwner)
-{
-    Umask const permissive(0);
-    ASSERT_TRUE(store()->save(Snapshot{}));
-    // A reader that stays open keeps the write-ahead log and the shared-memory file in place.
-    RawDatabase reader(databasePath());
-    ASSERT_EQ(reader.integer("SELECT count(*) FROM site_profiles"), 0);
+    // A reader that stays open keeps the write-ahead log and the shared-memory file in place;
+    // a rewrite narrows all three.
+    RawDatabase reader(path);
+    ASSERT_EQ(reader.text("SELECT count(*) FROM site_profiles"), "0");
     for (auto const* suffix : {"", "-wal", "-shm"}) {
-        ASSERT_TRUE(fs::exists(databasePath() + suffix)) << suffix;
-        fs::permissions(databasePath() + suffix, fs::perms(0644));
+        ASSERT_TRUE(fs::exists(path + suffix)) << suffix;
+        fs::permissions(path + suffix, fs::perms(0644));
     }
-    ASSERT_TRUE(store()->save(withProfiles({makeProfile(1, "h")})));
+    ASSERT_TRUE(createFileStore(path)->save(withProfiles({makeProfile(1, "h")})));
     for (auto const* suffix : {"", "-wal", "-shm"}) {
-        EXPECT_EQ(permissionBits(databasePath() + suffix), 0600) << suffix;
+        EXPECT_EQ(permissionBits(path + suffix), 0600) << suffix;
     }
+    ::umask(previousMask);
 }
 
 } // namespace

@@ -2,44 +2,18 @@
 
 #include "storage/site_profile.hpp"
 
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <ostream>
+#include <sstream>
+#include <stdexcept>
 #include <string>
-
-namespace perchftp::storage {
-
-// Readable failure messages for the records.
-inline void PrintTo(SiteProfile const& p, std::ostream* out)
-{
-    *out << "{id " << p.id << ", name '" << p.name << "', " << p.protocol << "://" << p.user << "@" << p.host << ":"
-         << p.port << ", secret '" << p.secretRef << "', roots '" << p.localRoot << "' '" << p.remoteRoot
-         << "', status " << p.status << ", group '" << p.group << "', flags " << p.favorite << p.quickConnect
-         << p.autoConnect << p.useEncryption << ", mode " << static_cast<int>(p.transferMode) << ", timeouts "
-         << p.connectTimeoutMs << "/" << p.transferTimeoutMs << "}";
-}
-
-inline void PrintTo(Snapshot const& s, std::ostream* out)
-{
-    auto const& settings = s.settings;
-    *out << "{version " << s.version << ", settings {" << settings.autoReconnect << " "
-         << settings.concurrentTransfers << " " << settings.retryLimit << " " << settings.useDarkTheme << " '"
-         << settings.defaultProtocol << "' " << settings.operationTimeoutMs << " " << settings.logLevel << " '"
-         << settings.uiLayoutJson << "'}, " << s.profiles.size() << " profiles";
-    for (auto const& profile : s.profiles) {
-        *out << " ";
-        PrintTo(profile, out);
-    }
-    *out << "}";
-}
-
-} // namespace perchftp::storage
 
 namespace perchftp::test {
 
 inline storage::SiteProfile makeProfile(int id, std::string const& host, std::string const& user = "ana",
-    std::string const& protocol = "sftp")
+                                        std::string const& protocol = "sftp")
 {
     storage::SiteProfile profile;
     profile.id = id;
@@ -54,14 +28,64 @@ inline storage::SiteProfile makeProfile(int id, std::string const& host, std::st
     return profile;
 }
 
+// Every field of a record on one line, in declaration order, for whole-record comparisons.
+inline std::string describe(storage::SiteProfile const& p)
+{
+    std::ostringstream out;
+    out << p.id << '|' << p.name << '|' << p.protocol << '|' << p.host << '|' << p.port << '|' << p.user << '|'
+        << p.secretRef << '|' << p.localRoot << '|' << p.remoteRoot << '|' << p.status << '|' << p.group << '|'
+        << p.favorite << p.quickConnect << p.autoConnect << '|' << static_cast<int>(p.transferMode) << '|'
+        << p.connectTimeoutMs << '|' << p.transferTimeoutMs << '|' << p.useEncryption;
+    return out.str();
+}
+
+inline std::string describe(storage::AppSettings const& s)
+{
+    std::ostringstream out;
+    out << s.autoReconnect << '|' << s.concurrentTransfers << '|' << s.retryLimit << '|' << s.useDarkTheme << '|'
+        << s.defaultProtocol << '|' << s.operationTimeoutMs << '|' << s.logLevel << '|' << s.uiLayoutJson;
+    return out.str();
+}
+
 // The permission bits of a file or folder, or -1 when it is missing.
 inline int permissionBits(std::filesystem::path const& path)
 {
     struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
-        return -1;
-    }
-    return static_cast<int>(info.st_mode & 07777);
+    return ::stat(path.c_str(), &info) == 0 ? static_cast<int>(info.st_mode & 07777) : -1;
 }
+
+// A second, independent connection to a database file, for preparing and inspecting what the
+// store reads and writes.
+class RawDatabase {
+public:
+    explicit RawDatabase(std::string const& path)
+    {
+        if (sqlite3_open(path.c_str(), &db_) != SQLITE_OK) {
+            sqlite3_close(db_);
+            throw std::runtime_error("cannot open " + path);
+        }
+    }
+    ~RawDatabase() { sqlite3_close(db_); }
+    RawDatabase(RawDatabase const&) = delete;
+    RawDatabase& operator=(RawDatabase const&) = delete;
+
+    bool exec(std::string const& sql) { return sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK; }
+
+    // The first column of the first row as text; empty when there is no row or it is null.
+    std::string text(std::string const& sql)
+    {
+        sqlite3_stmt* statement = nullptr;
+        std::string value;
+        if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &statement, nullptr) == SQLITE_OK
+            && sqlite3_step(statement) == SQLITE_ROW && sqlite3_column_text(statement, 0)) {
+            value = reinterpret_cast<char const*>(sqlite3_column_text(statement, 0));
+        }
+        sqlite3_finalize(statement);
+        return value;
+    }
+
+private:
+    sqlite3* db_ = nullptr;
+};
 
 } // namespace perchftp::test

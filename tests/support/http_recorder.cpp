@@ -1,60 +1,89 @@
 #include "support/http_recorder.hpp"
 
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
-#include <thread>
-
-extern char** environ;
 
 namespace perchftp::test {
-namespace {
-
-constexpr char const* kPython = "/usr/bin/python3";
-constexpr char const* kProxyVariables[] = {
-    "http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY"};
-
-std::string serverScript()
-{
-    return std::string(PERCHFTP_TEST_SERVERS_DIR) + "/http_recorder.py";
-}
-
-} // namespace
 
 HttpRecorder::HttpRecorder()
 {
-    auto const script = serverScript();
-    auto const folder = folder_.path().string();
-    char const* argv[] = {kPython, script.c_str(), folder.c_str(), nullptr};
-    if (::posix_spawn(&pid_, kPython, nullptr, nullptr, const_cast<char**>(argv), environ) != 0) {
-        throw std::runtime_error("cannot start the HTTP recorder");
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof(address);
+    socket_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (socket_ < 0 || ::bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0
+        || ::listen(socket_, 16) != 0 || ::getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+        throw std::runtime_error("the HTTP recorder cannot listen on 127.0.0.1");
     }
-    auto const portFile = folder_.path() / "port";
-    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!std::filesystem::exists(portFile)) {
-        int status = 0;
-        if (::waitpid(pid_, &status, WNOHANG) == pid_ || std::chrono::steady_clock::now() > deadline) {
-            throw std::runtime_error("the HTTP recorder did not start");
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    port_ = std::stoi(readFile(portFile));
+    port_ = ntohs(address.sin_port);
+    thread_ = std::thread([this] { serve(); });
 }
 
 HttpRecorder::~HttpRecorder()
 {
-    if (pid_ > 0) {
-        ::kill(pid_, SIGTERM);
-        int status = 0;
-        ::waitpid(pid_, &status, 0);
+    ::shutdown(socket_, SHUT_RDWR); // ends the accept of serve()
+    thread_.join();
+    ::close(socket_);
+}
+
+void HttpRecorder::serve()
+{
+    for (int connection; (connection = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
+        answer(connection);
+        ::close(connection);
     }
+}
+
+void HttpRecorder::answer(int connection)
+{
+    std::string received;
+    char buffer[4096];
+    auto const readMore = [&] {
+        ssize_t const n = ::recv(connection, buffer, sizeof(buffer), 0);
+        received.append(buffer, n > 0 ? static_cast<std::size_t>(n) : 0);
+        return n > 0;
+    };
+    std::size_t headEnd = std::string::npos;
+    while ((headEnd = received.find("\r\n\r\n")) == std::string::npos) {
+        if (!readMore()) {
+            return;
+        }
+    }
+    Request request;
+    std::string const head = received.substr(0, headEnd + 2);
+    std::size_t const lineEnd = head.find("\r\n");
+    std::string const requestLine = head.substr(0, lineEnd);
+    request.method = requestLine.substr(0, requestLine.find(' '));
+    request.path = requestLine.substr(request.method.size() + 1, requestLine.rfind(' ') - request.method.size() - 1);
+    request.headers = head.substr(lineEnd + 2);
+    std::size_t const lengthAt = head.find("Content-Length: ");
+    std::size_t const bodyLength = lengthAt == std::string::npos ? 0 : std::stoul(head.substr(lengthAt + 16));
+    while (received.size() < headEnd + 4 + bodyLength && readMore()) {
+    }
+    request.body = received.substr(headEnd + 4, bodyLength);
+
+    int status = 0;
+    {
+        std::lock_guard const lock(mutex_);
+        requests_.push_back(std::move(request));
+        status = status_;
+    }
+    std::string const body = status < 200 || status == 204 || status == 304 ? "" : "{\"accepted\":true}";
+    std::string reply = "HTTP/1.1 " + std::to_string(status) + " Status\r\nConnection: close\r\n";
+    if (status >= 300 && status < 400) {
+        reply += "Location: /redirected\r\n";
+    }
+    if (status >= 200) {
+        reply += "Content-Length: " + std::to_string(body.size()) + "\r\n";
+    }
+    reply += "\r\n" + body;
+    (void)::send(connection, reply.data(), reply.size(), MSG_NOSIGNAL);
 }
 
 std::string HttpRecorder::url(std::string const& path) const
@@ -64,38 +93,20 @@ std::string HttpRecorder::url(std::string const& path) const
 
 void HttpRecorder::setStatus(int status)
 {
-    writeFile(folder_.path() / "status", std::to_string(status));
+    std::lock_guard const lock(mutex_);
+    status_ = status;
 }
 
 std::vector<HttpRecorder::Request> HttpRecorder::requests() const
 {
-    std::vector<std::filesystem::path> heads;
-    for (auto const& entry : std::filesystem::directory_iterator(folder_.path() / "requests")) {
-        if (entry.path().extension() == ".head") {
-            heads.push_back(entry.path());
-        }
-    }
-    std::sort(heads.begin(), heads.end());
-    std::vector<Request> requests;
-    for (auto const& head : heads) {
-        auto const text = readFile(head);
-        auto const lineEnd = text.find('\n');
-        auto const requestLine = text.substr(0, lineEnd);
-        auto const space = requestLine.find(' ');
-        Request request;
-        request.method = requestLine.substr(0, space);
-        request.path = space == std::string::npos ? std::string() : requestLine.substr(space + 1);
-        request.headers = lineEnd == std::string::npos ? std::string() : text.substr(lineEnd + 1);
-        auto bodyPath = head;
-        request.body = readFile(bodyPath.replace_extension(".body"));
-        requests.push_back(std::move(request));
-    }
-    return requests;
+    std::lock_guard const lock(mutex_);
+    return requests_;
 }
 
 NoProxyEnvironment::NoProxyEnvironment()
 {
-    for (auto const* name : kProxyVariables) {
+    for (auto const* name : {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
+                             "no_proxy", "NO_PROXY"}) {
         if (char const* value = std::getenv(name)) {
             saved_.emplace_back(name, value);
             ::unsetenv(name);

@@ -1,18 +1,17 @@
 #pragma once
 
-#include "support/temp_dir.hpp"
-
-#include <sys/types.h>
-
+#include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 namespace perchftp::test {
 
-// A real HTTP server on 127.0.0.1 (tests/servers/http_recorder.py) that answers every request
-// with the status a test sets and records what it received. Started by the constructor, which
-// waits until it listens, and stopped by the destructor.
+// A real HTTP server on 127.0.0.1, on a thread of the test process, that answers every request
+// with the status a test sets (200 until then) and records what it received. A 3xx answer
+// carries a Location header, so that a client that followed redirects would show as a second
+// request. Listens from construction to destruction.
 class HttpRecorder {
 public:
     struct Request {
@@ -32,9 +31,15 @@ public:
     std::vector<Request> requests() const;
 
 private:
-    TempDir folder_;
-    pid_t pid_ = -1;
+    void serve();
+    void answer(int connection);
+
+    int socket_ = -1;
     int port_ = 0;
+    mutable std::mutex mutex_;
+    int status_ = 200;
+    std::vector<Request> requests_;
+    std::thread thread_;
 };
 
 // Clears the proxy variables for the life of the object, so that loopback requests go straight

@@ -1,20 +1,14 @@
 #include "support/temp_dir.hpp"
 
-#include <cstdlib>
+#include "support/servers/child_process.hpp"
+
 #include <fstream>
-#include <iterator>
-#include <stdexcept>
-#include <system_error>
 
 namespace perchftp::test {
 
 TempDir::TempDir()
+    : path_(makeScratchFolder("perchftp-test"))
 {
-    std::string pattern = (std::filesystem::temp_directory_path() / "perchftp-test-XXXXXX").string();
-    if (!::mkdtemp(pattern.data())) {
-        throw std::runtime_error("mkdtemp failed");
-    }
-    path_ = pattern;
 }
 
 TempDir::~TempDir()
@@ -25,14 +19,12 @@ TempDir::~TempDir()
 
 std::string readFile(std::filesystem::path const& path)
 {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    return readBytes(path);
 }
 
 void writeFile(std::filesystem::path const& path, std::string const& bytes)
 {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << bytes;
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
 } // namespace perchftp::test

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <ctime>
 #include <limits>
+#include <memory>
 #include <regex>
-#include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
 namespace perchftp::transfer {
@@ -28,105 +32,182 @@ TransferQueueItem job(TransferQueue const& queue, std::uint64_t id)
     return {};
 }
 
-TEST(TransferQueueEnqueue, CopiesTheArgumentsStampsTheJobAndRaisesTheRetryLimitToAtLeastOne)
+// Columns: pause, resume, cancel, skip, retry, simulateProgress, complete(true), complete(false).
+bool apply(TransferQueue& queue, std::uint64_t id, std::size_t column)
+{
+    switch (column) {
+    case 0: return queue.pause(id);
+    case 1: return queue.resume(id);
+    case 2: return queue.cancel(id);
+    case 3: return queue.skip(id, "exists");
+    case 4: return queue.retry(id);
+    case 5: return queue.simulateProgress(id, 30, 60);
+    case 6: return queue.complete(id, true, "");
+    default: return queue.complete(id, false, "disk full");
+    }
+}
+
+// The state after each column's call, one row per state in JobState order: a letter of
+// "QRPSCFX" (Queued, Running, Paused, Skipped, Completed, Failed, Canceled) or '-' for a refused
+// call. The Failed job has retries left.
+constexpr std::string_view kLetters = "QRPSCFX";
+constexpr std::string_view kTable[] = {"PQXS-RCF", "PQXS-RCF", "PQXS-PCF", "--XS--CF", "--XS--CF", "--XSQ-CF", "--XS--CF"};
+constexpr std::size_t kSetUpColumn[] = {8, 5, 0, 3, 6, 7, 2}; // the call that brings a new job to each state
+
+struct Cell {
+    TransferQueue queue;
+    std::uint64_t id = 0;
+    std::vector<TransferQueueItem> notified;
+    TransferQueueItem before;
+};
+
+TEST(TransferQueueTransitions, EveryCellMovesOrRefusesAsTheTableSaysAndOnlyAMoveRestampsAndNotifies)
+{
+    std::vector<std::unique_ptr<Cell>> cells;
+    for (std::size_t row = 0; row < 7; ++row) {
+        for (std::size_t column = 0; column < 8; ++column) {
+            auto& cell = *cells.emplace_back(std::make_unique<Cell>());
+            cell.id = cell.queue.enqueue(JobType::Upload, "ftp", "/local/a", "/remote/a", 1, 3);
+            ASSERT_TRUE(row == 0 || apply(cell.queue, cell.id, kSetUpColumn[row]));
+            cell.queue.observe(0, [&cell](TransferQueueItem const& item) { cell.notified.push_back(item); });
+            cell.before = cell.queue.snapshot().front();
+            ASSERT_EQ(cell.before.state, static_cast<JobState>(row));
+        }
+    }
+    // Stamps have a resolution of one second: past a second boundary every restamp shows.
+    for (auto const start = std::time(nullptr); std::time(nullptr) == start;) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        Cell& cell = *cells[i];
+        char const outcome = kTable[i / 8][i % 8];
+        SCOPED_TRACE(testing::Message() << "from " << kLetters[i / 8] << ", column " << i % 8 << ", expected " << outcome);
+        bool const accepted = apply(cell.queue, cell.id, i % 8);
+        auto const after = cell.queue.snapshot().front();
+        EXPECT_EQ(accepted, outcome != '-');
+        if (outcome == '-') {
+            EXPECT_EQ(after, cell.before);
+            EXPECT_TRUE(cell.notified.empty());
+        } else {
+            EXPECT_EQ(after.state, static_cast<JobState>(kLetters.find(outcome)));
+            EXPECT_NE(after.timestamp, cell.before.timestamp);
+            ASSERT_EQ(cell.notified.size(), 1U);
+            EXPECT_EQ(cell.notified.front(), after);
+        }
+    }
+}
+
+TEST(TransferQueueTransitions, EveryOperationRefusesIdZeroAndUnknownIds)
 {
     TransferQueue queue;
+    ASSERT_EQ(add(queue), 1U);
+    int notifications = 0;
+    queue.observe(0, [&notifications](TransferQueueItem const&) { ++notifications; });
+    auto const before = queue.snapshot();
+    for (std::uint64_t const id : {std::uint64_t{0}, std::uint64_t{2}, ~std::uint64_t{0}}) {
+        for (std::size_t column = 0; column < 8; ++column) {
+            EXPECT_FALSE(apply(queue, id, column));
+        }
+    }
+    EXPECT_EQ(notifications, 0);
+    EXPECT_EQ(queue.snapshot(), before);
+}
+
+TEST(TransferQueueJobs, EnqueueCopiesTheArgumentsAndARefusalUsesUpNoId)
+{
+    TransferQueue queue;
+    int notifications = 0;
+    queue.observe(0, [&notifications](TransferQueueItem const&) { ++notifications; });
     auto const id = queue.enqueue(JobType::Download, "sftp", "/tmp/a.txt", "/data/a.txt", -5, 7);
     ASSERT_EQ(id, 1U);
     auto const item = job(queue, id);
     EXPECT_EQ(item.type, JobType::Download);
     EXPECT_EQ(item.state, JobState::Queued);
-    EXPECT_EQ(item.protocolName, "sftp");
-    EXPECT_EQ(item.localPath, "/tmp/a.txt");
-    EXPECT_EQ(item.remotePath, "/data/a.txt");
+    EXPECT_EQ(item.protocolName + item.localPath + item.remotePath, "sftp/tmp/a.txt/data/a.txt");
     EXPECT_EQ(item.priority, -5);
     EXPECT_EQ(item.maxRetries, 7);
     EXPECT_TRUE(std::regex_match(item.timestamp, std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)"))) << item.timestamp;
-    EXPECT_EQ(job(queue, add(queue, 1, 0)).maxRetries, 1);
-    EXPECT_EQ(job(queue, add(queue, 1, -5)).maxRetries, 1);
-}
-
-TEST(TransferQueueEnqueue, ARefusalUsesUpNoIdAndClearDoesNotResetThem)
-{
-    TransferQueue queue;
-    int notifications = 0;
-    queue.observe(0, [&notifications](TransferQueueItem const&) { ++notifications; });
-    EXPECT_EQ(add(queue), 1U);
     EXPECT_EQ(queue.enqueue(JobType::Upload, "ftp", "", "/r", 0, 3), 0U);
     EXPECT_EQ(queue.enqueue(JobType::Upload, "ftp", "/l", "", 0, 3), 0U);
     EXPECT_EQ(queue.enqueue(JobType::Upload, "", "/l", "/r", 0, 3), 0U);
-    EXPECT_EQ(add(queue), 2U);
-    EXPECT_EQ(notifications, 2);
+    EXPECT_EQ(job(queue, add(queue, 1, 0)).maxRetries, 1) << "at least one try";
+    EXPECT_EQ(job(queue, add(queue, 1, -5)).maxRetries, 1);
+    EXPECT_EQ(notifications, 3);
 
-    queue.clear();
+    queue.clear(); // tells nobody, keeps the observers and the next id
     EXPECT_TRUE(queue.snapshot().empty());
-    EXPECT_EQ(notifications, 2); // clear tells nobody
-    EXPECT_EQ(add(queue), 3U);
-    EXPECT_EQ(notifications, 3); // and keeps the observers
+    EXPECT_EQ(notifications, 3);
+    EXPECT_EQ(add(queue), 4U);
+    EXPECT_EQ(notifications, 4);
 }
 
-TEST(TransferQueueEnqueue, APausedQueueStartsJobsPausedAndProgressKeepsThemPaused)
+TEST(TransferQueueJobs, APausedQueueStartsJobsPausedAndProgressKeepsThemPaused)
 {
     TransferQueue queue;
     EXPECT_TRUE(queue.setQueuePaused(true));
     EXPECT_TRUE(queue.isQueuePaused());
     auto const id = add(queue);
     ASSERT_TRUE(queue.simulateProgress(id, 25, 50));
-    auto const item = job(queue, id);
-    EXPECT_EQ(item.state, JobState::Paused);
-    EXPECT_EQ(item.progressPercent, 50.0);
-
+    EXPECT_EQ(job(queue, id).state, JobState::Paused);
+    EXPECT_EQ(job(queue, id).progressPercent, 50.0);
     EXPECT_TRUE(queue.setQueuePaused(false));
     EXPECT_EQ(job(queue, id).state, JobState::Paused);
     EXPECT_EQ(job(queue, add(queue)).state, JobState::Queued);
 }
 
-TEST(TransferQueueProgress, ClampsToTheTotalAndRefusesATotalOfZero)
+TEST(TransferQueueJobs, ProgressIsClampedAndCompleteFillsOrKeepsTheFigures)
 {
     TransferQueue queue;
     auto const id = add(queue);
     ASSERT_TRUE(queue.simulateProgress(id, 500, 100));
-    auto item = job(queue, id);
-    EXPECT_EQ(item.transferredBytes, 100U);
-    EXPECT_EQ(item.totalBytes, 100U);
-    EXPECT_EQ(item.progressPercent, 100.0);
-
+    EXPECT_EQ(job(queue, id).transferredBytes, 100U);
+    EXPECT_EQ(job(queue, id).totalBytes, 100U);
+    EXPECT_EQ(job(queue, id).progressPercent, 100.0);
     ASSERT_TRUE(queue.simulateProgress(id, 1, 3));
     EXPECT_FALSE(queue.simulateProgress(id, 2, 0));
-    item = job(queue, id);
-    EXPECT_EQ(item.transferredBytes, 1U);
-    EXPECT_DOUBLE_EQ(item.progressPercent, 100.0 / 3.0);
-
+    EXPECT_EQ(job(queue, id).transferredBytes, 1U);
+    EXPECT_DOUBLE_EQ(job(queue, id).progressPercent, 100.0 / 3.0);
     auto const max = std::numeric_limits<std::uint64_t>::max();
     ASSERT_TRUE(queue.simulateProgress(id, max - 1, max));
     EXPECT_LE(job(queue, id).progressPercent, 100.0);
-}
 
-TEST(TransferQueueComplete, SuccessFillsTheProgressAndFailureKeepsItWithAMessage)
-{
-    TransferQueue queue;
     auto const fresh = add(queue);
     ASSERT_TRUE(queue.complete(fresh, true, "anything"));
-    auto item = job(queue, fresh);
-    EXPECT_EQ(item.progressPercent, 100.0);
-    EXPECT_EQ(item.transferredBytes, 0U);
-    EXPECT_EQ(item.error, "");
+    EXPECT_EQ(job(queue, fresh).progressPercent, 100.0);
+    EXPECT_EQ(job(queue, fresh).transferredBytes, 0U);
+    EXPECT_EQ(job(queue, fresh).error, "");
 
     auto const partial = add(queue);
     ASSERT_TRUE(queue.simulateProgress(partial, 40, 80));
     ASSERT_TRUE(queue.complete(partial, false, ""));
-    item = job(queue, partial);
-    EXPECT_EQ(item.error, "transfer failed");
-    EXPECT_EQ(item.transferredBytes, 40U);
-    EXPECT_EQ(item.progressPercent, 50.0);
+    EXPECT_EQ(job(queue, partial).error, "transfer failed");
+    EXPECT_EQ(job(queue, partial).transferredBytes, 40U);
+    EXPECT_EQ(job(queue, partial).progressPercent, 50.0);
     ASSERT_TRUE(queue.complete(partial, false, "550 Permission denied"));
     EXPECT_EQ(job(queue, partial).error, "550 Permission denied");
-
     ASSERT_TRUE(queue.complete(partial, true, ""));
     EXPECT_EQ(job(queue, partial).transferredBytes, 80U);
     EXPECT_EQ(job(queue, partial).error, "");
     ASSERT_TRUE(queue.cancel(partial)); // overrules Completed and empties nothing but the error
     EXPECT_EQ(job(queue, partial).progressPercent, 100.0);
+
+    // Retry leaves Failed only while retries remain, and keeps the figures.
+    auto const retried = add(queue, 0, 3);
+    ASSERT_TRUE(queue.simulateProgress(retried, 30, 120));
+    for (int attempt = 1; attempt <= 3; ++attempt) {
+        ASSERT_TRUE(queue.complete(retried, false, "timeout"));
+        ASSERT_TRUE(queue.retry(retried));
+        auto const item = job(queue, retried);
+        EXPECT_EQ(item.state, JobState::Queued);
+        EXPECT_EQ(item.retryCount, attempt);
+        EXPECT_EQ(item.error, "");
+        EXPECT_EQ(item.transferredBytes, 30U);
+        EXPECT_EQ(item.progressPercent, 25.0);
+    }
+    ASSERT_TRUE(queue.complete(retried, false, "timeout"));
+    auto const exhausted = job(queue, retried);
+    EXPECT_FALSE(queue.retry(retried));
+    EXPECT_EQ(job(queue, retried), exhausted);
 }
 
 TEST(TransferQueueObservers, ObserveCallsOnlyTheNewObserverAtOnceAndKeepsOneForAnUnknownId)
@@ -141,7 +222,6 @@ TEST(TransferQueueObservers, ObserveCallsOnlyTheNewObserverAtOnceAndKeepsOneForA
     EXPECT_EQ(first, Ids{id});
     EXPECT_TRUE(second.empty());
     EXPECT_EQ(job(queue, id).timestamp, stamp);
-
     EXPECT_FALSE(queue.observe(id, TransferQueue::Observer{}));
     auto const other = add(queue); // an empty observer kept would throw here
     EXPECT_EQ(first, (Ids{id, other}));
@@ -154,14 +234,13 @@ TEST(TransferQueueObservers, AnObserverThatEnqueuesObservesOrClearsLeavesTheNoti
     Ids seenByLater;
     bool busy = false;
     queue.observe(0, [&](TransferQueueItem const&) {
-        if (busy) {
-            return;
+        if (!busy) {
+            busy = true;
+            for (int i = 0; i < 100; ++i) {
+                add(queue); // may move records around in a growing sequence
+            }
+            queue.observe(0, [](TransferQueueItem const&) {});
         }
-        busy = true;
-        for (int i = 0; i < 100; ++i) {
-            add(queue); // may move records around in a growing sequence
-        }
-        queue.observe(0, [](TransferQueueItem const&) {});
     });
     queue.observe(0, [&seenByLater](TransferQueueItem const& item) { seenByLater.push_back(item.id); });
     EXPECT_EQ(add(queue), 1U);
@@ -176,7 +255,7 @@ TEST(TransferQueueObservers, AnObserverThatEnqueuesObservesOrClearsLeavesTheNoti
     EXPECT_EQ(laterCalls, 0); // the record is gone, so nobody after the clearing observer sees it
 }
 
-TEST(TransferQueueLookup, FindsEveryJobAmongManyAfterAClearAndRefusals)
+TEST(TransferQueueJobs, FindsEveryJobAmongManyAfterAClearAndRefusals)
 {
     TransferQueue queue;
     for (int i = 0; i < 10; ++i) {
@@ -198,13 +277,14 @@ TEST(TransferQueueLookup, FindsEveryJobAmongManyAfterAClearAndRefusals)
     EXPECT_FALSE(queue.skip(ids.back() + 1, "not yet"));
 }
 
-TEST(TransferQueueScheduleOrder, KeepsRunnableJobsByPriorityHighToLowThenByEnqueueOrder)
+TEST(TransferQueueScheduleOrder, KeepsRunnableJobsByPriorityHighToLowThenByIdWithoutChangingAnything)
 {
     TransferQueue queue;
     EXPECT_TRUE(queue.scheduleOrder().empty());
     queue.skip(add(queue), "");
     queue.complete(add(queue), true, "");
-    queue.complete(add(queue), false, "");
+    auto const failed = add(queue, 1);
+    queue.complete(failed, false, "");
     queue.cancel(add(queue));
     EXPECT_TRUE(queue.scheduleOrder().empty());
 
@@ -218,25 +298,15 @@ TEST(TransferQueueScheduleOrder, KeepsRunnableJobsByPriorityHighToLowThenByEnque
     queue.pause(paused);
     queue.simulateProgress(running, 1, 2);
     Ids const expected{paused, high, running, low, lowLater, negative, lowest};
-    EXPECT_EQ(queue.scheduleOrder(), expected);
-
     int notifications = 0;
     queue.observe(0, [&notifications](TransferQueueItem const&) { ++notifications; });
     auto const before = queue.snapshot();
     EXPECT_EQ(queue.scheduleOrder(), expected);
     EXPECT_EQ(queue.snapshot(), before);
     EXPECT_EQ(notifications, 0);
-}
 
-TEST(TransferQueueScheduleOrder, ARetriedJobComesBackAtThePlaceOfItsOldId)
-{
-    TransferQueue queue;
-    auto const first = add(queue, 2);
-    auto const second = add(queue, 2);
-    queue.complete(first, false, "");
-    EXPECT_EQ(queue.scheduleOrder(), Ids{second});
-    queue.retry(first);
-    EXPECT_EQ(queue.scheduleOrder(), (Ids{first, second}));
+    queue.retry(failed); // comes back at the place of its old id
+    EXPECT_EQ(queue.scheduleOrder(), (Ids{paused, high, running, failed, low, lowLater, negative, lowest}));
 }
 
 TEST(TransferQueueService, ForwardsTheInterfaceToItsQueueAndExposesTheRest)
@@ -245,7 +315,6 @@ TEST(TransferQueueService, ForwardsTheInterfaceToItsQueueAndExposesTheRest)
     seeded.setQueuePaused(true);
     TransferQueueService service(std::move(seeded));
     ITransferQueue& api = service;
-
     auto const id = api.enqueue(JobType::Upload, "ftps", "/l", "/r", 1, 3);
     EXPECT_EQ(service.queue().snapshot().front().state, JobState::Paused);
     EXPECT_TRUE(api.resume(id));

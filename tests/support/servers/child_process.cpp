@@ -7,27 +7,12 @@
 #include <fstream>
 #include <iterator>
 #include <netinet/in.h>
-#include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace perchftp::test {
-
-namespace {
-
-sockaddr_in loopbackAddress(int port)
-{
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return address;
-}
-
-} // namespace
 
 ChildProcess::ChildProcess(std::vector<std::string> const& argv, std::filesystem::path const& logFile)
 {
@@ -38,7 +23,6 @@ ChildProcess::ChildProcess(std::vector<std::string> const& argv, std::filesystem
     arguments.push_back(nullptr);
     std::string const logPath = logFile.string();
     pid_t const parent = ::getpid();
-
     pid_ = ::fork();
     if (pid_ < 0) {
         throw std::runtime_error("fork failed");
@@ -51,21 +35,12 @@ ChildProcess::ChildProcess(std::vector<std::string> const& argv, std::filesystem
         }
         int const log = ::open(logPath.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
         int const nothing = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-        if (log >= 0) {
-            ::dup2(log, STDOUT_FILENO);
-            ::dup2(log, STDERR_FILENO);
-        }
-        if (nothing >= 0) {
-            ::dup2(nothing, STDIN_FILENO);
-        }
+        ::dup2(log, STDOUT_FILENO);
+        ::dup2(log, STDERR_FILENO);
+        ::dup2(nothing, STDIN_FILENO);
         ::execv(arguments[0], arguments.data());
         ::_exit(127);
     }
-}
-
-ChildProcess::~ChildProcess()
-{
-    terminate();
 }
 
 bool ChildProcess::reap(std::chrono::milliseconds wait)
@@ -83,57 +58,61 @@ bool ChildProcess::reap(std::chrono::milliseconds wait)
     return false;
 }
 
-bool ChildProcess::running()
+ChildProcess::~ChildProcess()
 {
-    if (pid_ <= 0) {
-        return false;
-    }
-    return !reap(std::chrono::milliseconds(0));
-}
-
-void ChildProcess::terminate(std::chrono::milliseconds grace)
-{
-    if (pid_ <= 0) {
-        return;
-    }
-    ::kill(pid_, SIGTERM);
-    if (!reap(grace)) {
-        kill();
+    if (pid_ > 0) {
+        ::kill(pid_, SIGTERM);
+        if (!reap(std::chrono::seconds(3))) {
+            kill();
+        }
     }
 }
 
 void ChildProcess::kill()
 {
-    if (pid_ <= 0) {
-        return;
+    if (pid_ > 0) {
+        ::kill(pid_, SIGKILL);
+        reap(std::chrono::seconds(10));
     }
-    ::kill(pid_, SIGKILL);
-    reap(std::chrono::seconds(10));
+}
+
+namespace {
+
+sockaddr_in loopbackAddress(int port)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+} // namespace
+
+int listenOnLoopback(int& port, int backlog)
+{
+    int const socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = loopbackAddress(0);
+    socklen_t length = sizeof(address);
+    if (socket < 0 || ::bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0
+        || ::listen(socket, backlog) != 0 || ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+        ::close(socket);
+        throw std::runtime_error("cannot listen on 127.0.0.1");
+    }
+    port = ntohs(address.sin_port);
+    return socket;
 }
 
 int freeLoopbackPort()
 {
-    int const socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (socket < 0) {
-        throw std::runtime_error("socket failed");
-    }
-    sockaddr_in address = loopbackAddress(0);
-    socklen_t length = sizeof(address);
-    bool const bound = ::bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0
-                       && ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) == 0;
-    ::close(socket);
-    if (!bound) {
-        throw std::runtime_error("no free port on 127.0.0.1");
-    }
-    return ntohs(address.sin_port);
+    int port = 0;
+    ::close(listenOnLoopback(port));
+    return port;
 }
 
 bool acceptsConnections(int port)
 {
     int const socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (socket < 0) {
-        return false;
-    }
     sockaddr_in const address = loopbackAddress(port);
     bool const connected = ::connect(socket, reinterpret_cast<sockaddr const*>(&address), sizeof(address)) == 0;
     ::close(socket);

@@ -1,45 +1,17 @@
 #include "support/servers/ftp_test_server.hpp"
 
 #include <fstream>
-#include <iterator>
-#include <stdexcept>
-#include <thread>
 
 namespace perchftp::test {
 
 namespace {
 
-std::string hexOf(std::string const& text)
-{
-    static char const digits[] = "0123456789abcdef";
-    std::string hex;
-    for (unsigned char const c : text) {
-        hex += digits[c >> 4];
-        hex += digits[c & 0x0f];
-    }
-    return hex;
-}
-
-std::string folderKey(std::string folder)
-{
-    while (folder.size() > 1 && folder.back() == '/') {
-        folder.pop_back();
-    }
-    return folder.empty() ? "/" : folder;
-}
-
 void writeBytes(std::filesystem::path const& path, std::string const& bytes, std::ios::openmode mode)
 {
-    std::ofstream out(path, std::ios::binary | mode);
-    out << bytes;
+    std::ofstream(path, std::ios::binary | mode) << bytes;
 }
 
 } // namespace
-
-std::filesystem::path testServersFolder()
-{
-    return PERCHFTP_TEST_SERVERS_DIR;
-}
 
 FtpTestServer::FtpTestServer(FtpTestServerOptions options)
     : options_(std::move(options))
@@ -50,28 +22,20 @@ FtpTestServer::FtpTestServer(FtpTestServerOptions options)
     std::filesystem::create_directories(root_);
     std::filesystem::create_directories(control_ / "lists");
     std::filesystem::path const portFile = folder_ / "port";
-    std::vector<std::string> argv = {"/usr/bin/python3", (testServersFolder() / "ftp_test_server.py").string(),
-                                     "--root", root_.string(), "--control", control_.string(),
-                                     "--port-file", portFile.string(), "--user", options_.user,
-                                     "--password", options_.password};
+    std::vector<std::string> argv = {"/usr/bin/python3", PERCHFTP_TEST_SERVERS_DIR "/ftp_test_server.py",
+                                     root_.string(), control_.string(), portFile.string(), options_.user,
+                                     options_.password, std::to_string(options_.throttleBytesPerSecond)};
     if (options_.implicitTls) {
-        argv.insert(argv.end(), {"--implicit-tls", "--cert", options_.certificateFile.string(), "--key",
-                                 options_.keyFile.string()});
-    }
-    if (options_.throttleBytesPerSecond > 0) {
-        argv.insert(argv.end(), {"--throttle", std::to_string(options_.throttleBytesPerSecond)});
+        argv.insert(argv.end(), {options_.certificateFile.string(), options_.keyFile.string()});
     }
     process_ = std::make_unique<ChildProcess>(argv, folder_ / "server.log");
-
-    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!std::filesystem::exists(portFile)) {
-        if (!process_->running() || std::chrono::steady_clock::now() > deadline) {
-            std::string const log = readBytes(folder_ / "server.log");
-            process_.reset();
-            std::filesystem::remove_all(folder_);
-            throw std::runtime_error("the FTP test server did not start: " + log);
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    try {
+        waitUntil(*process_, folder_ / "server.log", "the FTP test server",
+                  [&] { return std::filesystem::exists(portFile); });
+    } catch (...) {
+        process_.reset();
+        std::filesystem::remove_all(folder_);
+        throw;
     }
     port_ = std::stoi(readBytes(portFile));
 }
@@ -85,38 +49,29 @@ FtpTestServer::~FtpTestServer()
 
 std::filesystem::path FtpTestServer::local(std::string const& remotePath) const
 {
-    std::string relative = remotePath;
-    while (!relative.empty() && relative.front() == '/') {
-        relative.erase(0, 1);
-    }
-    return root_ / relative;
+    return root_ / remotePath.substr(std::min(remotePath.find_first_not_of('/'), remotePath.size()));
 }
 
 void FtpTestServer::setListing(std::string const& folder, std::string const& body)
 {
-    writeBytes(control_ / "lists" / hexOf(folderKey(folder)), body, std::ios::trunc);
-}
-
-void FtpTestServer::setDefaultListing(std::string const& body)
-{
-    writeBytes(control_ / "lists" / "default", body, std::ios::trunc);
+    // Named by the hex of the folder without trailing slashes, as the server looks it up.
+    std::string key = folder.substr(0, std::max<std::size_t>(folder.find_last_not_of('/') + 1, 1));
+    std::string hex;
+    for (unsigned char const c : key.empty() ? std::string("/") : key) {
+        hex += "0123456789abcdef"[c >> 4];
+        hex += "0123456789abcdef"[c & 0x0f];
+    }
+    writeBytes(control_ / "lists" / hex, body, std::ios::trunc);
 }
 
 void FtpTestServer::setReply(std::string const& command, std::string const& reply, int times)
 {
-    std::string rule = command;
-    rule.append("\t").append(reply);
-    if (times >= 0) {
-        rule.append("\t").append(std::to_string(times));
-    }
-    rule.append("\n");
-    writeBytes(control_ / "replies.tsv", rule, std::ios::app);
+    writeBytes(control_ / "replies.tsv", command + "\t" + reply + "\t" + std::to_string(times) + "\n", std::ios::app);
 }
 
 void FtpTestServer::clearReplies()
 {
-    std::error_code ignored;
-    std::filesystem::remove(control_ / "replies.tsv", ignored);
+    std::filesystem::remove(control_ / "replies.tsv");
 }
 
 std::vector<std::string> FtpTestServer::receivedCommands() const
@@ -134,7 +89,7 @@ std::vector<std::string> FtpTestServer::receivedCommands(std::vector<std::string
     std::vector<std::string> matching;
     for (std::string const& line : receivedCommands()) {
         for (std::string const& verb : verbs) {
-            if (line == verb || line.rfind(verb + " ", 0) == 0) {
+            if (line == verb || line.starts_with(verb + " ")) {
                 matching.push_back(line);
                 break;
             }
@@ -145,8 +100,7 @@ std::vector<std::string> FtpTestServer::receivedCommands(std::vector<std::string
 
 void FtpTestServer::clearReceivedCommands()
 {
-    std::error_code ignored;
-    std::filesystem::remove(control_ / "record.log", ignored);
+    std::filesystem::remove(control_ / "record.log");
 }
 
 void FtpTestServer::kill()

@@ -41,8 +41,6 @@ public:
 
     // A LIST in `folder` ("/", "/a/b") answers with exactly these bytes.
     void setListing(std::string const& folder, std::string const& body);
-    // A LIST in any folder without its own listing answers with these bytes.
-    void setDefaultListing(std::string const& body);
     // A command whose whole line equals `command`, or whose verb does ("RNFR", "SITE CHMOD"),
     // is answered with `reply` (e.g. "550 Refused.") instead of being carried out, the first
     // `times` times, or always when times is negative. Whole-line rules win over verb rules.
@@ -67,8 +65,5 @@ private:
     std::unique_ptr<ChildProcess> process_;
     int port_ = 0;
 };
-
-// Where the test servers' scripts live in the source tree.
-std::filesystem::path testServersFolder();
 
 } // namespace perchftp::test

@@ -1,11 +1,7 @@
 #include "support/servers/sshd_test_server.hpp"
 
 #include <atomic>
-#include <cstdio>
 #include <fstream>
-#include <iterator>
-#include <stdexcept>
-#include <thread>
 #include <unistd.h>
 
 namespace perchftp::test {
@@ -14,23 +10,23 @@ namespace {
 
 constexpr char const* kSshd = "/usr/sbin/sshd";
 
-void run(std::string const& commandLine)
-{
-    if (!runCommand(commandLine + " >/dev/null 2>&1")) {
-        throw std::runtime_error("failed: " + commandLine);
-    }
-}
-
 // The user database is locked while another test adds or deletes its own user: try again.
-bool runWhileLocked(std::string const& commandLine)
+bool run(std::string const& commandLine, int attempts = 1)
 {
-    for (int attempt = 0; attempt < 50; ++attempt) {
-        if (runCommand(commandLine + " >/dev/null 2>&1")) {
-            return true;
+    for (int attempt = 1; !runCommand(commandLine + " >/dev/null 2>&1"); ++attempt) {
+        if (attempt >= attempts) {
+            return false;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
-    return false;
+    return true;
+}
+
+void require(std::string const& commandLine, int attempts = 1)
+{
+    if (!run(commandLine, attempts)) {
+        throw std::runtime_error("failed: " + commandLine);
+    }
 }
 
 } // namespace
@@ -61,15 +57,8 @@ SshdTestServer::SshdTestServer()
         port_ = freeLoopbackPort();
         std::ofstream(folder_ / "sshd_config", std::ios::app) << "Port " << port_ << "\n";
         process_ = std::make_unique<ChildProcess>(
-            std::vector<std::string>{kSshd, "-D", "-e", "-f", (folder_ / "sshd_config").string()},
-            folder_ / "sshd.log");
-        auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!acceptsConnections(port_)) {
-            if (!process_->running() || std::chrono::steady_clock::now() > deadline) {
-                throw std::runtime_error("sshd did not start: " + readBytes(folder_ / "sshd.log"));
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
+            std::vector<std::string>{kSshd, "-D", "-e", "-f", (folder_ / "sshd_config").string()}, folder_ / "sshd.log");
+        waitUntil(*process_, folder_ / "sshd.log", "sshd", [this] { return acceptsConnections(port_); });
     } catch (...) {
         release();
         throw;
@@ -85,8 +74,8 @@ void SshdTestServer::release()
 {
     process_.reset();
     if (userCreated_) {
-        runWhileLocked("userdel '" + user_ + "'");
         userCreated_ = false;
+        run("userdel '" + user_ + "'", 50);
     }
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
@@ -94,18 +83,13 @@ void SshdTestServer::release()
 
 void SshdTestServer::createUser()
 {
-    if (!runWhileLocked("useradd --no-create-home --home-dir '" + home_.string() + "' --shell /bin/sh --user-group '"
-                        + user_ + "'")) {
-        throw std::runtime_error("useradd failed for " + user_);
-    }
+    require("useradd --no-create-home --home-dir '" + home_.string() + "' --shell /bin/sh --user-group '" + user_ + "'", 50);
     userCreated_ = true;
-    if (!runWhileLocked("echo '" + user_ + ":" + password_ + "' | chpasswd")) {
-        throw std::runtime_error("chpasswd failed for " + user_);
-    }
-    run("chown '" + user_ + ":" + user_ + "' '" + home_.string() + "'");
+    require("echo '" + user_ + ":" + password_ + "' | chpasswd", 50);
+    require("chown '" + user_ + ":" + user_ + "' '" + home_.string() + "'");
     std::string const folder = folder_.string();
-    run("ssh-keygen -q -t ed25519 -N '' -f '" + folder + "/host_key'");
-    run("ssh-keygen -q -t ed25519 -N '' -f '" + folder + "/client_key'");
+    require("ssh-keygen -q -t ed25519 -N '' -f '" + folder + "/host_key'");
+    require("ssh-keygen -q -t ed25519 -N '' -f '" + folder + "/client_key'");
     std::filesystem::copy_file(folder_ / "client_key.pub", folder_ / "authorized_keys");
 }
 
@@ -113,26 +97,10 @@ void SshdTestServer::writeConfiguration()
 {
     std::string const folder = folder_.string();
     std::ofstream config(folder_ / "sshd_config");
-    config << "ListenAddress 127.0.0.1\n"
-           << "HostKey " << folder << "/host_key\n"
-           << "PidFile none\n"
-           << "UsePAM no\n"
-           << "PasswordAuthentication yes\n"
-           << "KbdInteractiveAuthentication no\n"
-           << "PubkeyAuthentication yes\n"
-           << "AuthorizedKeysFile " << folder << "/authorized_keys\n"
-           << "StrictModes no\n"
-           << "AllowUsers " << user_ << "\n"
-           << "Subsystem sftp internal-sftp\n"
-           << "MaxStartups 100\n"
-           << "LogLevel ERROR\n";
-}
-
-void SshdTestServer::kill()
-{
-    if (process_) {
-        process_->kill();
-    }
+    config << "ListenAddress 127.0.0.1\nHostKey " << folder << "/host_key\nPidFile none\nUsePAM no\n"
+           << "PasswordAuthentication yes\nKbdInteractiveAuthentication no\nPubkeyAuthentication yes\n"
+           << "AuthorizedKeysFile " << folder << "/authorized_keys\nStrictModes no\nAllowUsers " << user_
+           << "\nSubsystem sftp internal-sftp\nMaxStartups 100\nLogLevel ERROR\n";
 }
 
 } // namespace perchftp::test

@@ -29,8 +29,6 @@ public:
     // The user's private key, for OpenSSH's own client.
     std::filesystem::path privateKey() const { return folder_ / "client_key"; }
 
-    void kill();
-
 private:
     void createUser();
     void writeConfiguration();

@@ -5,9 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <sched.h>
-#include <stdexcept>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
