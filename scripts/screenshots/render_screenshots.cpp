@@ -1,6 +1,7 @@
 // Starts the real shell the way the program does and saves what the screen shows: the splash
 // while it is up, the main window connected to a loopback FTP server after a few real transfers,
-// and the connection popup over it. Before all that, the licence question of a first start.
+// the connection popup over it and the list of saved connections. Before all that, the licence
+// question of a first start.
 // Run it through scripts/render-screenshots, which gives it an X server and fresh user folders.
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/pane/perch_pane_table_model.hpp"
@@ -65,8 +66,8 @@ void fillServer(perchftp::test::FtpTestServer const& server)
     writeBytes(server.local("/logs/access.log"), 905'216);
 }
 
-// One saved connection to the loopback server whose local root is the demo folder, so that
-// start-up loads it.
+// Two saved connections; the one used last points at the loopback server and has the demo folder
+// as its local root, so that start-up loads it.
 void saveDemoConnection(perchftp::test::FtpTestServer const& server, QString const& localRoot)
 {
     perchftp::storage::SiteProfile profile;
@@ -81,9 +82,39 @@ void saveDemoConnection(perchftp::test::FtpTestServer const& server, QString con
     profile.quickConnect = true;
     perchftp::storage::Snapshot snapshot;
     snapshot.profiles.push_back(profile);
+    profile.id = 2;
+    profile.name = "Backups";
+    profile.protocol = "sftp";
+    profile.host = "backup.example.org";
+    profile.port = 22;
+    profile.user = "archive";
+    profile.remoteRoot = "/srv/backups";
+    profile.quickConnect = false;
+    snapshot.profiles.push_back(profile);
     QString const base = perchftp::app::shellBaseFolder();
     perchftp::app::makePrivateFolder(base);
     perchftp::storage::createFileStore(QDir(base).filePath(QStringLiteral("perchftp-sites.db")).toStdString())->save(snapshot);
+}
+
+// Saves the next modal dialog once it is up, then presses its button of that title.
+void grabNextModalThenPress(QString const& path, QString const& buttonTitle, bool& saved)
+{
+    auto* poll = new QTimer;
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, path, buttonTitle, &saved] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (!dialog || !dialog->isVisible()) {
+            return;
+        }
+        poll->stop();
+        poll->deleteLater();
+        saved = dialog->grab().save(path);
+        for (auto* button : dialog->findChildren<QPushButton*>()) {
+            if (button->text() == buttonTitle) {
+                button->click();
+            }
+        }
+    });
+    poll->start(200);
 }
 
 // Shows the licence question the first start asks, saves it and declines it.
@@ -93,22 +124,7 @@ bool renderLicenceGate(QString const& path)
     QFile licence(QStringLiteral(":/perchftp/licence.txt"));
     licence.open(QIODevice::ReadOnly);
     bool saved = false;
-    auto* poll = new QTimer;
-    QObject::connect(poll, &QTimer::timeout, poll, [poll, path, &saved] {
-        QWidget* dialog = QApplication::activeModalWidget();
-        if (!dialog || !dialog->isVisible()) {
-            return;
-        }
-        poll->stop();
-        poll->deleteLater();
-        saved = dialog->grab().save(path);
-        for (auto* button : dialog->findChildren<QPushButton*>()) {
-            if (button->text() == QStringLiteral("Decline")) {
-                button->click();
-            }
-        }
-    });
-    poll->start(200);
+    grabNextModalThenPress(path, QStringLiteral("Decline"), saved);
     perchftp::app::createDesktopDialogs()->acceptLicence(QString::fromUtf8(licence.readAll()), perchftp::app::appIconImage());
     return saved;
 }
@@ -183,5 +199,10 @@ int main(int argc, char** argv)
         QStringLiteral("Connecting"), QStringLiteral("Resolving 127.0.0.1:%1 via ftp...").arg(server.port()));
     waitFor(400);
     ok = controller.statusPopupWindow()->grab().save(output + QStringLiteral("/connection-popup.png")) && ok;
+
+    bool pickerSaved = false;
+    grabNextModalThenPress(output + QStringLiteral("/saved-connections.png"), QStringLiteral("Cancel"), pickerSaved);
+    controller.openSavedConnection();
+    ok = pickerSaved && ok;
     return ok ? 0 : 1;
 }
