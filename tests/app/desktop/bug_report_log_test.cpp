@@ -1,5 +1,4 @@
 #include "app/desktop/bug_report_log.hpp"
-#include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
 
@@ -39,15 +38,6 @@ TEST(BugReportLog, ARecordHasTheStateLinesTheTextAndTheSeparator)
         QStringLiteral("[2026-03-07 09:05:03 +0000]\nHost: \nProtocol: ftp\nConnected: no\n"
                        "Local Path: %1\nRemote Path: \nReport:\n%2 100%\n\n---\n\n"))
         << "unconnected, with an empty host and percent signs kept";
-}
-
-TEST(BugReportLog, RecordsAreAppendedInOrderAsUtf8)
-{
-    test::TempDir dir;
-    QString const log = QString::fromStdString(dir.file("bug-reports.log"));
-    ASSERT_TRUE(appendBugReportRecord(log, QStringLiteral("first ✓\n")));
-    ASSERT_TRUE(appendBugReportRecord(log, QStringLiteral("second\n")));
-    EXPECT_EQ(test::readFile(dir.file("bug-reports.log")), "first \xe2\x9c\x93\nsecond\n");
 }
 
 } // namespace

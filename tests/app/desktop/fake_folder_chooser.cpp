@@ -6,13 +6,6 @@
 #include <filesystem>
 
 namespace perchftp::test {
-namespace {
-
-char const* const kVariables[] = {"FAKE_CHOOSER_ARGS", "FAKE_CHOOSER_OUT", "FAKE_CHOOSER_ERR", "FAKE_CHOOSER_EXIT",
-    "FAKE_CHOOSER_SIGNAL"};
-
-} // namespace
-
 FakeFolderChooser::FakeFolderChooser()
     : savedPath_(qgetenv("PATH"))
 {
@@ -24,9 +17,6 @@ FakeFolderChooser::FakeFolderChooser()
 FakeFolderChooser::~FakeFolderChooser()
 {
     qputenv("PATH", savedPath_);
-    for (char const* name : kVariables) {
-        qunsetenv(name);
-    }
 }
 
 void FakeFolderChooser::install(std::string const& program)
@@ -48,16 +38,12 @@ void FakeFolderChooser::installBroken(std::string const& program)
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
 }
 
-void FakeFolderChooser::answer(QByteArray const& output, QByteArray const& error, int exitStatus)
+void FakeFolderChooser::answer(QByteArray const& output, QByteArray const& error, int exitStatus, char const* signal)
 {
     qputenv("FAKE_CHOOSER_OUT", output);
     qputenv("FAKE_CHOOSER_ERR", error);
     qputenv("FAKE_CHOOSER_EXIT", QByteArray::number(exitStatus));
-}
-
-void FakeFolderChooser::crashWith(char const* signalName)
-{
-    qputenv("FAKE_CHOOSER_SIGNAL", signalName);
+    qputenv("FAKE_CHOOSER_SIGNAL", signal ? signal : "");
 }
 
 QStringList FakeFolderChooser::arguments() const

@@ -23,14 +23,15 @@ public:
     // Something that is not a program at all, so that starting it fails.
     void installBroken(std::string const& program);
 
-    void answer(QByteArray const& output, QByteArray const& error = {}, int exitStatus = 0);
-    void crashWith(char const* signalName);
+    // Every answer replaces the whole previous one; `signal` (e.g. "KILL") ends the script with it.
+    void answer(QByteArray const& output, QByteArray const& error = {}, int exitStatus = 0, char const* signal = nullptr);
 
     // The arguments of the last run, one a line; none before the first.
     QStringList arguments() const;
-    std::filesystem::path bin() const { return dir_.path() / "bin"; }
 
 private:
+    std::filesystem::path bin() const { return dir_.path() / "bin"; }
+
     TempDir dir_;
     QByteArray savedPath_;
 };

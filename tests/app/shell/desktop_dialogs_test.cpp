@@ -59,8 +59,6 @@ TEST(SavedConnectionPicker, AnswersWithTheButtonAndTheRowLastPressedWithTheMouse
             kFirstAlertButton + 3, -1},
         {"the keyboard moves the highlight but Open acts on row 0",
             [](QWidget* dialog, PerchSavedConnectionTableView* table) {
-                EXPECT_EQ(table->model()->data(table->model()->index(0, 0)).toString(), "Home    ada    home.example");
-                EXPECT_EQ(table->model()->data(table->model()->index(1, 0)).toString(), "Work    work.example");
                 table->setFocus();
                 QTest::keyClick(table, Qt::Key_Down);
                 QTest::keyClick(table, Qt::Key_Down);

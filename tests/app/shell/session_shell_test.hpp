@@ -181,8 +181,7 @@ protected:
         // Let the start-up's own popup go, so that each test sees only its own.
         ASSERT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
         seen_ = std::make_unique<WhatTheUserSees>(controller());
-    }
-    // Ends the shell as the program's end would and starts it again on the same folders.
+    }    // Ends the shell as the program's end would and starts it again on the same folders.
     void restartShell()
     {
         seen_.reset();
@@ -198,12 +197,6 @@ protected:
         controller().portField()->setText(port);
         controller().userField()->setText(QString::fromStdString(user));
         controller().secretField()->setText(QString::fromStdString(password));
-    }
-    // Picks the protocol as a user does, which also writes its default port.
-    void chooseProtocol(QString const& protocol)
-    {
-        controller().protocolField()->setCurrentText(protocol);
-        emit controller().protocolField()->activated(controller().protocolField()->currentIndex());
     }
     void useMenuItem(QString const& menuTitle, QString const& itemTitle)
     {
@@ -229,10 +222,6 @@ protected:
     }
 
     QString banner() { return controller().statusLabel()->text(); }
-    QString popupMessage()
-    {
-        return controller().statusPopupMessage() ? controller().statusPopupMessage()->text() : QString();
-    }
     QStringList remoteNames() { return remoteColumn(&app::PaneEntry::name); }
     QStringList remotePaths() { return remoteColumn(&app::PaneEntry::path); }
     bool remotePaneShowsPlaceholder(QString const& text)

@@ -18,9 +18,6 @@ IsolatedUserFolders::IsolatedUserFolders()
     setVariable("HOME", home());
     setVariable("XDG_DATA_HOME", dataHome());
     setVariable("XDG_CONFIG_HOME", configHome());
-    if (!std::getenv("PERCHFTP_INSTALL_TRACKING_URL")) {
-        setVariable("PERCHFTP_INSTALL_TRACKING_URL", QStringLiteral("http://127.0.0.1:9/api/install-events.php"));
-    }
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, configHome());
     previousWorkingDirectory_ = QDir::currentPath().toLocal8Bit();
     QDir::setCurrent(workingDirectory());

@@ -42,7 +42,6 @@ int main(int argc, char** argv)
 {
     QTemporaryDir root;
     isolateUserFolders(root);
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
     return RUN_ALL_TESTS();
