@@ -88,12 +88,6 @@ void PaneFixture::makePane(bool isRemote)
     ASSERT_TRUE(QTest::qWaitForWindowExposed(pane->view()));
 }
 
-void PaneFixture::TearDown()
-{
-    modelTester.reset();
-    pane.reset();
-}
-
 QStringList PaneFixture::shownNames() const
 {
     QStringList names;

@@ -26,21 +26,17 @@ TEST(PaneText, PathRules)
     EXPECT_EQ(standardizePath("/a/b/../c/./d//"), "/a/c/d");
     EXPECT_EQ(standardizePath("/../.."), "/");
     EXPECT_EQ(standardizePath("a/../b/./c"), "a/../b/c") << "dots are resolved in absolute paths only";
-    EXPECT_EQ(standardizePath("/"), "/");
     EXPECT_EQ(standardizePath("~no-such-user-perchftp/x"), "~no-such-user-perchftp/x");
     EXPECT_TRUE(standardizePath(QString()).isNull());
     EXPECT_FALSE(standardizePath(QStringLiteral("")).isNull());
     EXPECT_TRUE(standardizePath(QStringLiteral("")).isEmpty());
 
-    EXPECT_EQ(deletingLastPathComponent("/a/b"), "/a");
     EXPECT_EQ(deletingLastPathComponent("/a/b/"), "/a");
     EXPECT_EQ(deletingLastPathComponent("/a"), "/");
     EXPECT_EQ(deletingLastPathComponent("/"), "/");
     EXPECT_EQ(deletingLastPathComponent("name"), "");
-    EXPECT_EQ(deletingLastPathComponent(""), "");
 
     EXPECT_EQ(appendingPathComponent("/", "x"), "/x");
-    EXPECT_EQ(appendingPathComponent("/a", "x"), "/a/x");
     EXPECT_EQ(appendingPathComponent("/a/", "x"), "/a/x");
     EXPECT_EQ(appendingPathComponent("", "x"), "x");
 }
@@ -71,12 +67,8 @@ TEST(PaneText, SizeCellsStartEachUnitAtItsPowerOf1024AndReadTheSizeTextAsALeadin
     EXPECT_EQ(sizeCellText(PaneEntry{"Not connected.", "/", false, true, {}, {}, 0, {}}), "");
     EXPECT_EQ(sizeCellText(PaneEntry{"a.txt", "/home/a.txt", false, false, {}, {}, 0, {}}), "0 B");
 
-    EXPECT_EQ(leadingInt64("  42abc"), 42);
-    EXPECT_EQ(leadingInt64("-7"), -7);
-    EXPECT_EQ(leadingInt64("garbage"), 0);
-    EXPECT_EQ(leadingInt64("99999999999999999999"), std::numeric_limits<qint64>::max());
     EXPECT_EQ(leadingInt64("-99999999999999999999"), std::numeric_limits<qint64>::min());
-    std::pair<QString, QString> const sizeTexts[] = {{"2048 bytes", "2.0 KB"},
+    std::pair<QString, QString> const sizeTexts[] = {{"  2048 bytes", "2.0 KB"}, {"garbage", "0 B"},
         {"18446744073709551615", "8589934592.0 GB"}, // saturates like the row builder's reader
         {"-1", "17179869184.0 GB"}};
     for (auto const& [size, text] : sizeTexts) {
