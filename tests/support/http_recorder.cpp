@@ -1,28 +1,18 @@
 #include "support/http_recorder.hpp"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
+#include "support/servers/child_process.hpp"
+
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <stdexcept>
 
 namespace perchftp::test {
 
 HttpRecorder::HttpRecorder()
+    : socket_(listenOnLoopback(port_))
+    , thread_([this] { serve(); })
 {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof(address);
-    socket_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (socket_ < 0 || ::bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0
-        || ::listen(socket_, 16) != 0 || ::getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
-        throw std::runtime_error("the HTTP recorder cannot listen on 127.0.0.1");
-    }
-    port_ = ntohs(address.sin_port);
-    thread_ = std::thread([this] { serve(); });
 }
 
 HttpRecorder::~HttpRecorder()
@@ -74,7 +64,7 @@ void HttpRecorder::answer(int connection)
         requests_.push_back(std::move(request));
         status = status_;
     }
-    std::string const body = status < 200 || status == 204 || status == 304 ? "" : "{\"accepted\":true}";
+    std::string const body = status < 200 ? "" : "{\"accepted\":true}";
     std::string reply = "HTTP/1.1 " + std::to_string(status) + " Status\r\nConnection: close\r\n";
     if (status >= 300 && status < 400) {
         reply += "Location: /redirected\r\n";

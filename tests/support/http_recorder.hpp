@@ -34,8 +34,8 @@ private:
     void serve();
     void answer(int connection);
 
+    int port_ = 0; // set while socket_ is made
     int socket_ = -1;
-    int port_ = 0;
     mutable std::mutex mutex_;
     int status_ = 200;
     std::vector<Request> requests_;

@@ -9,6 +9,7 @@
 #include <regex>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace perchftp::transfer {
@@ -188,8 +189,6 @@ TEST(TransferQueueJobs, ProgressIsClampedAndCompleteFillsOrKeepsTheFigures)
     ASSERT_TRUE(queue.complete(partial, true, ""));
     EXPECT_EQ(job(queue, partial).transferredBytes, 80U);
     EXPECT_EQ(job(queue, partial).error, "");
-    ASSERT_TRUE(queue.cancel(partial)); // overrules Completed and empties nothing but the error
-    EXPECT_EQ(job(queue, partial).progressPercent, 100.0);
 
     // Retry leaves Failed only while retries remain, and keeps the figures.
     auto const retried = add(queue, 0, 3);
@@ -258,9 +257,7 @@ TEST(TransferQueueObservers, AnObserverThatEnqueuesObservesOrClearsLeavesTheNoti
 TEST(TransferQueueJobs, FindsEveryJobAmongManyAfterAClearAndRefusals)
 {
     TransferQueue queue;
-    for (int i = 0; i < 10; ++i) {
-        add(queue);
-    }
+    add(queue);
     queue.clear();
     Ids ids;
     for (int i = 0; i < 1000; ++i) {
@@ -273,7 +270,7 @@ TEST(TransferQueueJobs, FindsEveryJobAmongManyAfterAClearAndRefusals)
     for (auto const& item : queue.snapshot()) {
         EXPECT_EQ(item.error, std::to_string(item.id));
     }
-    EXPECT_FALSE(queue.skip(5, "cleared"));
+    EXPECT_FALSE(queue.skip(1, "cleared"));
     EXPECT_FALSE(queue.skip(ids.back() + 1, "not yet"));
 }
 
@@ -309,7 +306,7 @@ TEST(TransferQueueScheduleOrder, KeepsRunnableJobsByPriorityHighToLowThenByIdWit
     EXPECT_EQ(queue.scheduleOrder(), (Ids{paused, high, running, failed, low, lowLater, negative, lowest}));
 }
 
-TEST(TransferQueueService, ForwardsTheInterfaceToItsQueueAndExposesTheRest)
+TEST(TransferQueueService, ForwardsTheInterfaceToItsQueue)
 {
     TransferQueue seeded;
     seeded.setQueuePaused(true);
@@ -323,12 +320,7 @@ TEST(TransferQueueService, ForwardsTheInterfaceToItsQueueAndExposesTheRest)
     EXPECT_TRUE(api.retry(id));
     EXPECT_TRUE(api.cancel(id));
     EXPECT_FALSE(api.pause(id));
-
-    TransferQueueService moved;
-    moved = std::move(service);
-    TransferQueueService const& constant = moved;
-    EXPECT_EQ(constant.queue().snapshot().front().state, JobState::Canceled);
-    EXPECT_EQ(moved.enqueue(JobType::Download, "ftp", "/l", "/r", 1, 3), 2U);
+    EXPECT_EQ(std::as_const(service).queue().snapshot().front().state, JobState::Canceled);
 }
 
 } // namespace
