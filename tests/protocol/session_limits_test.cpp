@@ -39,6 +39,21 @@ TEST(SessionLimits, GivesUpOnAServerThatNeverGreetsAfterTenSeconds)
     EXPECT_LT(seconds, 15.0);
 }
 
+TEST(SessionLimits, EndsAListingThatGetsNoAnswerAfterSixtySeconds)
+{
+    FtpTestServer server;
+    server.setReply("LIST", "STALL");
+    auto session = makeSession("ftp");
+    ASSERT_TRUE(session->connect("127.0.0.1", server.port(), server.user(), server.password()).ok);
+    std::vector<protocol::RemoteEntry> entries;
+    auto const [result, seconds] = timed([&] { return session->list("/", entries); });
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.message, "ftp list: Timeout was reached");
+    EXPECT_TRUE(session->isConnected());
+    EXPECT_GT(seconds, 59.5);
+    EXPECT_LT(seconds, 70.0);
+}
+
 TEST(SessionLimits, FailsAnUploadThatNeedsLongerThanSixtySeconds)
 {
     constexpr std::uint64_t kBytesPerSecond = 64 * 1024;

@@ -55,7 +55,7 @@ def make_scripted(base):
                 return super().pre_process_command(line, cmd, arg)
             if reply == "CLOSE":
                 self.close()
-            else:
+            elif reply != "STALL":
                 self.respond(reply)
 
         def ftp_LIST(self, path):

@@ -44,7 +44,7 @@ public:
     // A command whose whole line equals `command`, or whose verb does ("RNFR", "SITE CHMOD"),
     // is answered with `reply` (e.g. "550 Refused.") instead of being carried out, the first
     // `times` times, or always when times is negative. Whole-line rules win over verb rules.
-    // The reply "CLOSE" drops the control connection instead.
+    // The replies "CLOSE" (drop the control connection) and "STALL" (never answer) act.
     void setReply(std::string const& command, std::string const& reply, int times = -1);
     void clearReplies();
 
