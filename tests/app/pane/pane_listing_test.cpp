@@ -5,6 +5,7 @@
 #include "app/pane/perch_pane_table_view.hpp"
 #include "app/pane/perch_path_field.hpp"
 #include "pane_test_support.hpp"
+#include "support/file_access_as_nobody.hpp"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -17,7 +18,6 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <sys/fsuid.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -176,12 +176,10 @@ TEST_F(LocalPane, AnUnreadableFolderKeepsItsPathBehindAMessageRowAndUpLeavesIt)
     QString const locked = tree.makeFolder("locked");
     ASSERT_EQ(::chmod(QFile::encodeName(tree.path()).constData(), 0755), 0);
     ASSERT_EQ(::chmod(QFile::encodeName(locked).constData(), 0), 0);
-    // Root reads everything, so the folder is listed with file access checked as "nobody".
-    ::setfsgid(65534);
-    ::setfsuid(65534);
-    pane->loadLocalDirectory(locked);
-    ::setfsuid(0);
-    ::setfsgid(0);
+    {
+        test::FileAccessAsNobody const nobody;
+        pane->loadLocalDirectory(locked);
+    }
     ::chmod(QFile::encodeName(locked).constData(), 0755);
     ASSERT_EQ(shownNames(), QStringList({"Unable to read directory: Permission denied"}));
     EXPECT_TRUE(pane->entries().first().placeholder);

@@ -2,6 +2,7 @@
 
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/pane/perch_file_pane_controller_delegate.hpp"
+#include "support/qt_printers.hpp"
 
 #include <QAbstractItemModelTester>
 #include <QPoint>
@@ -12,15 +13,8 @@
 
 #include <functional>
 #include <memory>
-#include <ostream>
 
 class QMenu;
-
-// Readable QString values in assertion messages.
-inline void PrintTo(QString const& text, std::ostream* out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
 
 namespace perchftp::app::testing {
 

@@ -5,6 +5,7 @@
 #include "app/status/connect_button.hpp"
 #include "protocol/curl/curl_protocol.hpp"
 #include "protocol/protocol_factory.hpp"
+#include "support/qt_printers.hpp"
 #include "support/started_shell.hpp"
 
 #include <QAction>
@@ -20,14 +21,7 @@
 #include <QStringList>
 
 #include <memory>
-#include <ostream>
 #include <string>
-
-// Texts read as texts in the failures of these tests.
-inline void PrintTo(QString const& text, std::ostream* out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
 
 namespace perchftp::test {
 

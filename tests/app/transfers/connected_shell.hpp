@@ -2,6 +2,7 @@
 
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/shell_controller.hpp"
+#include "support/qt_printers.hpp"
 #include "support/servers/ftp_test_server.hpp"
 #include "support/started_shell.hpp"
 #include "support/temp_dir.hpp"
@@ -11,15 +12,8 @@
 #include <QStringList>
 
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
-
-// Readable QString values in assertion messages.
-inline void PrintTo(QString const& text, std::ostream* out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
 
 namespace perchftp::test {
 

@@ -1,12 +1,12 @@
 // Folder uploads through the real shell and a real FTP server: the walk, its skips and cancels,
 // and how it ends.
 #include "connected_shell.hpp"
+#include "support/file_access_as_nobody.hpp"
 
 #include <gtest/gtest.h>
 
 #include <QLineEdit>
 
-#include <sys/fsuid.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -172,14 +172,12 @@ TEST_F(FolderUpload, UnreadableFoldersUnresolvablePathsAndADroppedConnectionEndT
     fs::permissions(local("tree/locked"), fs::perms::none);
     // Readable but not searchable: the names can be listed, their paths can't be looked at.
     fs::permissions(local("names/listable"), fs::perms::owner_read | fs::perms::others_read);
-    // File access is checked as "nobody" for the two uploads, which drops even root's right to read.
-    ::setfsgid(65534);
-    ::setfsuid(65534);
-    uploadFolder("tree");
-    EXPECT_EQ(popupMessage(), "Folder upload completed.") << "a failed iteration is at its end";
-    uploadFolder("names");
-    ::setfsuid(0);
-    ::setfsgid(0);
+    {
+        FileAccessAsNobody const nobody;
+        uploadFolder("tree");
+        EXPECT_EQ(popupMessage(), "Folder upload completed.") << "a failed iteration is at its end";
+        uploadFolder("names");
+    }
     fs::permissions(local("tree/locked"), fs::perms::owner_all);
     fs::permissions(local("names/listable"), fs::perms::owner_all);
     EXPECT_TRUE(fs::is_directory(server().local("/tree/locked")));
