@@ -3,6 +3,7 @@
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/pane/perch_pane_table_model.hpp"
 #include "app/pane/perch_pane_table_view.hpp"
+#include "bench_figures.hpp"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -15,6 +16,8 @@
 #include <vector>
 
 namespace {
+
+using perchftp::bench::median;
 
 using perchftp::app::PaneEntries;
 using perchftp::app::PaneEntry;
@@ -45,12 +48,6 @@ PaneEntries makeListing()
         entries.append(entry);
     }
     return entries;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "app/shell_controller.hpp"
 #include "app/shell_startup.hpp"
 #include "app/support/ftp_connection_form.hpp"
+#include "bench_figures.hpp"
 #include "support/servers/child_process.hpp"
 #include "support/servers/ftp_test_server.hpp"
 
@@ -27,6 +28,8 @@
 
 namespace {
 
+using perchftp::bench::median;
+
 using namespace perchftp;
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
@@ -45,12 +48,6 @@ double seconds(std::function<void()> const& work)
     auto const start = Clock::now();
     work();
     return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 double threadCpuSeconds()

@@ -1,6 +1,7 @@
 // Figures for the remote session: listing parse speed, and large transfers through the session
 // against the curl command line (and OpenSSH's sftp) on the same loopback servers, in one run.
 // Usage: protocol_bench [megabytes]   (default 1024; SFTP figures need root for the test user)
+#include "bench_figures.hpp"
 #include "protocol/curl/listing_parser.hpp"
 #include "protocol/protocol_factory.hpp"
 #include "support/servers/child_process.hpp"
@@ -22,6 +23,8 @@
 
 namespace {
 
+using perchftp::bench::median;
+
 using namespace perchftp;
 using Clock = std::chrono::steady_clock;
 
@@ -40,12 +43,6 @@ double cpuSeconds(std::function<void()> const& work)
     work();
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &end);
     return static_cast<double>(end.tv_sec - start.tv_sec) + static_cast<double>(end.tv_nsec - start.tv_nsec) * 1e-9;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 long peakResidentKilobytes()

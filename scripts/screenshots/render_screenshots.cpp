@@ -3,22 +3,20 @@
 // the connection popup over it and the list of saved connections. Before all that, the licence
 // question of a first start.
 // Run it through scripts/render-screenshots, which gives it an X server and fresh user folders.
-#include "app/pane/perch_file_pane_controller.hpp"
-#include "app/pane/perch_pane_table_model.hpp"
-#include "app/pane/perch_pane_table_view.hpp"
 #include "app/app_icons.hpp"
 #include "app/dark_appearance.hpp"
+#include "app/pane/perch_file_pane_controller.hpp"
 #include "app/shell_paths.hpp"
 #include "app/shell_startup.hpp"
-#include "storage/persistent_store.hpp"
 #include "app/support/ftp_connection_form.hpp"
+#include "app/support/pane_rows.hpp"
+#include "storage/persistent_store.hpp"
 #include "support/servers/ftp_test_server.hpp"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QItemSelectionModel>
 #include <QPushButton>
 #include <QPixmap>
 #include <QScreen>
@@ -132,14 +130,7 @@ bool renderLicenceGate(QString const& path)
 void selectRows(perchftp::app::PerchFilePaneController& pane, QStringList const& names)
 {
     pane.refresh();
-    QItemSelectionModel* selection = pane.tableView()->selectionModel();
-    selection->clearSelection();
-    auto const& rows = pane.model()->entries();
-    for (int row = 0; row < int(rows.size()); ++row) {
-        if (names.contains(rows[row].name)) {
-            selection->select(pane.model()->index(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        }
-    }
+    perchftp::test::selectPaneRowsNamed(pane, names);
 }
 
 // Connects through the form as a user does, opens the site's folder and moves a few files both

@@ -1,11 +1,9 @@
 #include "connected_shell.hpp"
 
-#include "app/pane/perch_pane_table_model.hpp"
-#include "app/pane/perch_pane_table_view.hpp"
 #include "app/queue/queue_table_model.hpp"
 #include "app/support/ftp_connection_form.hpp"
+#include "app/support/pane_rows.hpp"
 
-#include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 
@@ -25,21 +23,6 @@ void put(fs::path const& path, std::string const& bytes)
     }
     fs::create_directories(path.parent_path());
     writeFile(path, bytes);
-}
-
-void selectRows(app::PerchFilePaneController& pane, QStringList const& names)
-{
-    QItemSelectionModel* selection = pane.tableView()->selectionModel();
-    selection->clearSelection();
-    int found = 0;
-    app::PaneEntries const& rows = pane.model()->entries();
-    for (int row = 0; row < int(rows.size()); ++row) {
-        if (names.contains(rows[row].name)) {
-            selection->select(pane.model()->index(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-            ++found;
-        }
-    }
-    ASSERT_EQ(found, names.size()) << "rows to select are missing";
 }
 
 } // namespace
@@ -76,13 +59,13 @@ bool ConnectedShellTest::remoteExists(std::string const& remotePath) const
 void ConnectedShellTest::selectLocal(QStringList const& names)
 {
     localPane().refresh();
-    selectRows(localPane(), names);
+    ASSERT_EQ(selectPaneRowsNamed(localPane(), names), names.size()) << "rows to select are missing";
 }
 
 void ConnectedShellTest::selectRemote(QStringList const& names)
 {
     controller().refreshRemoteDirectory();
-    selectRows(remotePane(), names);
+    ASSERT_EQ(selectPaneRowsNamed(remotePane(), names), names.size()) << "rows to select are missing";
 }
 
 void ConnectedShellTest::transfer(transfer::JobType type, QString const& localPath, QString const& remotePath)
