@@ -248,14 +248,14 @@ private:
 
     // Status pieces.
     void takeAwayPopup();
+    void setConnectionPopupMessageText(QString const& message);
+    void drawConnectionPopupNow();
     void notAvailableYet(QString const& what);
 
     // Session pieces. The protocol's title as the selector shows it, null with nothing selected;
     // its name as a session is made for it, trimmed and lowered, "ftp" when empty.
     QString selectedProtocolTitle() const;
     std::string selectedProtocolName() const;
-    void announceConnectionStep(QString const& message);
-    void drawConnectionPopupNow();
     // Disconnects and destroys the session, if there is one; the answer is not read.
     void endSession();
 

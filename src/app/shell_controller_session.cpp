@@ -1,6 +1,7 @@
 // The user's connection to a server: connecting from the form, disconnecting, refreshing both
-// panes and listing the remote one. Every session call blocks the main thread; the popup is drawn
-// at once before each of them, since no event loop turn comes until the call returns.
+// panes and listing the remote one. Every session call blocks the main thread; the popup draws
+// itself at once whenever it opens or its words change, since no event loop turn comes until
+// the call returns.
 #include "app/shell_controller.hpp"
 
 #include "app/pane/perch_file_pane_controller.hpp"
@@ -40,20 +41,6 @@ std::string PerchFtpShellController::selectedProtocolName() const
     return name.empty() ? std::string("ftp") : name;
 }
 
-void PerchFtpShellController::announceConnectionStep(QString const& message)
-{
-    updateConnectionPopupMessage(message);
-    drawConnectionPopupNow();
-}
-
-// Only a repaint: pumping events here would deliver user input and posted work in mid-step.
-void PerchFtpShellController::drawConnectionPopupNow()
-{
-    if (statusPopupWindow_) {
-        statusPopupWindow_->repaint();
-    }
-}
-
 void PerchFtpShellController::endSession()
 {
     if (session_) {
@@ -78,13 +65,12 @@ void PerchFtpShellController::connectSession()
 
     showConnectionPopupWithTitle(QStringLiteral("Connecting"),
         QStringLiteral("Resolving %1:%2 via %3...").arg(host, QString::number(port), protocolText));
-    drawConnectionPopupNow();
     if (session_) {
-        announceConnectionStep(QStringLiteral("Closing previous session..."));
+        updateConnectionPopupMessage(QStringLiteral("Closing previous session..."));
         endSession();
     }
 
-    announceConnectionStep(QStringLiteral("Preparing protocol adapter..."));
+    updateConnectionPopupMessage(QStringLiteral("Preparing protocol adapter..."));
     session_ = protocol::ProtocolFactory::create(protocolName.c_str());
     if (!session_) {
         QString const text = QStringLiteral("Protocol adapter not available in this build.");
@@ -95,7 +81,7 @@ void PerchFtpShellController::connectSession()
 
     std::string const user = detail::qtToCpp(userField_->text());
     std::string const password = detail::qtToCpp(secretField_->text());
-    announceConnectionStep(QStringLiteral("Opening session for %1...").arg(host));
+    updateConnectionPopupMessage(QStringLiteral("Opening session for %1...").arg(host));
     protocol::SessionResult const result = session_->connect(detail::qtToCpp(host), port, user, password);
     if (!result.ok) {
         // The controls keep their look: after a replaced session they may still offer "Disconnect".
@@ -106,7 +92,7 @@ void PerchFtpShellController::connectSession()
         return;
     }
 
-    announceConnectionStep(QStringLiteral("Session opened. Loading remote directory..."));
+    updateConnectionPopupMessage(QStringLiteral("Session opened. Loading remote directory..."));
     setStatusText(QStringLiteral("Connected (%1)").arg(protocolText), false);
     refreshControlState();
     // The empty path lists the login folder, with the root ladder behind it should that fail.
@@ -130,7 +116,6 @@ void PerchFtpShellController::disconnectSession()
 
     showConnectionPopupWithTitle(
         QStringLiteral("Disconnecting"), QStringLiteral("Disconnecting from %1...").arg(hostField_->text()));
-    drawConnectionPopupNow();
     endSession();
     setStatusText(QStringLiteral("Disconnected."), false);
     refreshControlState();

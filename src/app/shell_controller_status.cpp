@@ -27,8 +27,13 @@ QString statusPrefix(bool isError)
     return isError ? QStringLiteral("⚠️ ") : QStringLiteral("✅ ");
 }
 
+// A popup floating inside the host window keeps itself centred there; only one of its own is
+// placed here.
 void centrePopup(QWidget* popup, QWidget* host)
 {
+    if (!popup->isWindow()) {
+        return;
+    }
     QRect frame = popup->frameGeometry();
     if (host && host->isVisible()) {
         frame.moveCenter(host->frameGeometry().center());
@@ -126,19 +131,44 @@ void PerchFtpShellController::showConnectionPopupWithTitle(QString const& title,
         window->activateWindow();
     }
     centrePopup(window, hostWindow_);
+    if (hostWindow_) {
+        hostWindow_->repaint();
+    }
 }
 
 void PerchFtpShellController::updateConnectionPopupTitle(QString const& title)
 {
     if (statusPopupTitle_) {
         statusPopupTitle_->setText(title.isNull() ? QStringLiteral("Working...") : title);
+        drawConnectionPopupNow();
     }
 }
 
 void PerchFtpShellController::updateConnectionPopupMessage(QString const& message)
 {
     if (statusPopupMessage_) {
+        setConnectionPopupMessageText(message);
+        drawConnectionPopupNow();
+    }
+}
+
+// For the texts that a transfer posts while it runs: they arrive through the event loop, which
+// draws them on its own, and repainting each of thousands at once would slow the queue down.
+void PerchFtpShellController::setConnectionPopupMessageText(QString const& message)
+{
+    if (statusPopupMessage_) {
         statusPopupMessage_->setText(message.isNull() ? QString(QLatin1String("")) : message);
+    }
+}
+
+// The workflows call the session right after a popup text changes, and the main thread sees no
+// event loop turn until the call returns. So the popup is painted at once. Only a repaint:
+// pumping events here would deliver user input and posted work (progress texts, the delayed
+// close) in the middle of a step.
+void PerchFtpShellController::drawConnectionPopupNow()
+{
+    if (statusPopupWindow_) {
+        statusPopupWindow_->repaint();
     }
 }
 

@@ -334,7 +334,7 @@ protocol::TransferCallback PerchFtpShellController::transferProgressCallback(std
             return;
         }
         QMetaObject::invokeMethod(
-            this, [this, text] { updateConnectionPopupMessage(text.format()); }, Qt::QueuedConnection);
+            this, [this, text] { setConnectionPopupMessageText(text.format()); }, Qt::QueuedConnection);
     };
 }
 

@@ -16,6 +16,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -71,10 +72,20 @@ TEST_F(ShellController, TheBannerShowsItsPrefixAndChoosesThePaletteByTheFlag)
 
 TEST_F(ShellController, APopupOpensReplacesTheOpenOneAndGoesSixHundredMillisecondsAfterItsClose)
 {
+    QMainWindow* host = controller().hostWindow();
+    ASSERT_TRUE(waitUntil([&] { return host->isVisible(); }));
     controller().showConnectionPopupWithTitle(QStringLiteral("Connecting"), QStringLiteral("Resolving host:21 via ftp..."));
     QPointer<QWidget> first = controller().statusPopupWindow();
     ASSERT_FALSE(first.isNull());
     EXPECT_TRUE(first->isVisible());
+    // It floats inside the main window, above the content, and stays centred when the window
+    // changes size: no window manager has to place it.
+    EXPECT_EQ(first->window(), host);
+    EXPECT_EQ(host->children().back(), first.data()) << "raised above the content";
+    for (QSize size : {host->size(), host->size() + QSize(300, 120)}) {
+        host->resize(size);
+        EXPECT_LE((first->geometry().center() - host->rect().center()).manhattanLength(), 2) << size.width();
+    }
     EXPECT_EQ(controller().statusPopupTitle()->text(), "Connecting");
     EXPECT_EQ(controller().statusPopupMessage()->text(), "Resolving host:21 via ftp...");
     EXPECT_EQ(controller().statusPopupProgress()->maximum(), 0) << "indeterminate while the step runs";

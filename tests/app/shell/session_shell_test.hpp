@@ -12,12 +12,14 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QEvent>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QStringList>
 
 #include <memory>
@@ -27,7 +29,9 @@ namespace perchftp::test {
 
 // Records what the user is shown while the controller works, in order: the popup's message when
 // the popup appears and at the start of every blocking session call, and the banner's text at
-// the same moments. What the popup says during a call is what the user reads while waiting.
+// the same moments. What the popup says during a call is what the user reads while waiting, so
+// at each call it also checks that the window system already holds the popup's words: no event
+// loop turn comes to draw them before the call returns.
 //
 // Sessions are made by the real libcurl adapters, each wrapped in a witness that takes a look
 // before passing the call on. Only one recorder may exist at a time.
@@ -59,11 +63,14 @@ public:
         look();
         return bannerTexts_;
     }
+    // The popup messages of the session calls that began with the popup not drawn as worded.
+    QStringList const& undrawnPopupCalls() const { return undrawnPopupCalls_; }
     // Starts a new record; the banner's present text does not count as seen.
     void forget()
     {
         popupMessages_.clear();
         bannerTexts_.clear();
+        undrawnPopupCalls_.clear();
         bannerBaseline_ = controller_.statusLabel()->text();
     }
 
@@ -86,6 +93,26 @@ private:
         }
         append(bannerTexts_, controller_.statusLabel()->text(), bannerBaseline_);
     }
+    void checkPopupDrawn()
+    {
+        QLabel* title = controller_.statusPopupTitle();
+        QLabel* message = controller_.statusPopupMessage();
+        if (title && message && !(drawnAsWorded(title) && drawnAsWorded(message))) {
+            undrawnPopupCalls_.push_back(message->text());
+        }
+    }
+    // What the screen shows at the label's place equals a fresh rendering of its window there.
+    static bool drawnAsWorded(QLabel* label)
+    {
+        QWidget* window = label->window();
+        QRect const area(label->mapTo(window, QPoint()), label->size());
+        QPoint const onScreen = window->mapToGlobal(area.topLeft());
+        QImage const shown = window->screen()
+                                 ->grabWindow(0, onScreen.x(), onScreen.y(), area.width(), area.height())
+                                 .toImage()
+                                 .convertToFormat(QImage::Format_RGB32);
+        return label->isVisible() && shown == window->grab(area).toImage().convertToFormat(QImage::Format_RGB32);
+    }
     static void append(QStringList& texts, QString const& text, QString const& baseline)
     {
         if (!text.isEmpty() && text != (texts.isEmpty() ? baseline : texts.back())) {
@@ -97,6 +124,7 @@ private:
     {
         if (current_) {
             current_->look();
+            current_->checkPopupDrawn();
         }
     }
     static void installWitnesses()
@@ -111,6 +139,7 @@ private:
     app::PerchFtpShellController& controller_;
     QStringList popupMessages_;
     QStringList bannerTexts_;
+    QStringList undrawnPopupCalls_;
     QString bannerBaseline_;
 };
 
@@ -166,14 +195,19 @@ protected:
     void SetUp() override { startWatchedShell(); }
     void TearDown() override
     {
+        if (seen_) {
+            EXPECT_EQ(seen_->undrawnPopupCalls(), QStringList()) << "session calls that began before the popup was drawn";
+        }
         seen_.reset();
         StartedShellTest::TearDown();
     }
     void startWatchedShell()
     {
         startShell();
-        // Let the start-up's own popup go, so that each test sees only its own.
+        // Let the start-up's own popup go, so that each test sees only its own, and wait for the
+        // main window that the popups float in.
         ASSERT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
+        ASSERT_TRUE(waitUntil([&] { return controller().hostWindow()->isVisible(); }));
         seen_ = std::make_unique<WhatTheUserSees>(controller());
     }    // Ends the shell as the program's end would and starts it again on the same folders.
     void restartShell()
