@@ -189,7 +189,7 @@ int main(int argc, char** argv)
     controller.showConnectionPopupWithTitle(
         QStringLiteral("Connecting"), QStringLiteral("Resolving 127.0.0.1:%1 via ftp...").arg(server.port()));
     waitFor(400);
-    ok = controller.statusPopupWindow()->grab().save(output + QStringLiteral("/connection-popup.png")) && ok;
+    ok = saveScreenArea(controller.hostWindow(), output + QStringLiteral("/connection-popup.png")) && ok;
 
     bool pickerSaved = false;
     grabNextModalThenPress(output + QStringLiteral("/saved-connections.png"), QStringLiteral("Cancel"), pickerSaved);

@@ -5,6 +5,7 @@
 #include "app/app_icons.hpp"
 #include "app/status/connect_button.hpp"
 #include "app/status/connection_light.hpp"
+#include "app/status/paint_now.hpp"
 #include "app/status/status_banner.hpp"
 #include "app/status/status_popup.hpp"
 #include "app/status/system_colours.hpp"
@@ -132,7 +133,7 @@ void PerchFtpShellController::showConnectionPopupWithTitle(QString const& title,
     }
     centrePopup(window, hostWindow_);
     if (hostWindow_) {
-        hostWindow_->repaint();
+        paintWindowAreaNow(hostWindow_, hostWindow_->rect());
     }
 }
 
@@ -162,13 +163,14 @@ void PerchFtpShellController::setConnectionPopupMessageText(QString const& messa
 }
 
 // The workflows call the session right after a popup text changes, and the main thread sees no
-// event loop turn until the call returns. So the popup is painted at once. Only a repaint:
-// pumping events here would deliver user input and posted work (progress texts, the delayed
-// close) in the middle of a step.
+// event loop turn until the call returns. So the popup is painted at once. Only painted: pumping
+// events here would deliver user input and posted work (progress texts, the delayed close) in
+// the middle of a step.
 void PerchFtpShellController::drawConnectionPopupNow()
 {
-    if (statusPopupWindow_) {
-        statusPopupWindow_->repaint();
+    if (QWidget* popup = statusPopupWindow_.data()) {
+        QWidget* window = popup->window();
+        paintWindowAreaNow(window, QRect(popup->mapTo(window, QPoint()), popup->size()));
     }
 }
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <string_view>
 
 namespace {
 
@@ -24,16 +25,19 @@ void isolateUserFolders(QTemporaryDir const& root)
     place("XDG_CACHE_HOME", "cache");
     place("XDG_RUNTIME_DIR", "runtime");
     QFile::setPermissions(root.path() + "/runtime", QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    // No display for child processes either: a folder chooser a test did not replace must fail at
-    // once instead of waiting for a user.
-    ::unsetenv("DISPLAY");
-    ::unsetenv("WAYLAND_DISPLAY");
     if (!std::getenv("PERCHFTP_INSTALL_TRACKING_URL")) {
         ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "http://127.0.0.1:9/api/install-events.php", 1);
     }
-    if (!std::getenv("QT_QPA_PLATFORM")) {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    // Tests that need a real display server are started on a virtual one of their own, with its
+    // platform named. All others get no display, for child processes either: a folder chooser a
+    // test did not replace must fail at once instead of waiting for a user.
+    char const* platform = std::getenv("QT_QPA_PLATFORM");
+    if (platform && std::string_view(platform) != "offscreen") {
+        return;
     }
+    ::unsetenv("DISPLAY");
+    ::unsetenv("WAYLAND_DISPLAY");
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
 }
 
 } // namespace
