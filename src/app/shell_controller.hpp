@@ -243,6 +243,7 @@ private:
     QWidget* buildQueuePanel();
     void buildHiddenTransferControls();
     void wireControls();
+    void setTabOrderInReadingOrder();
     void fillMenus();
     void scheduleDividerPlacement();
 

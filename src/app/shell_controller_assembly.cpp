@@ -6,6 +6,7 @@
 #include "app/main_window.hpp"
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/pane/perch_pane_split_view.hpp"
+#include "app/protocol_selector.hpp"
 #include "app/queue/queue_progress_delegate.hpp"
 #include "app/queue/queue_table_model.hpp"
 #include "app/status/connect_button.hpp"
@@ -38,18 +39,28 @@ constexpr int kConstructionMinimumHeight = 620;
 constexpr int kMinimumWidth = 840;
 constexpr int kMinimumHeight = 520;
 
-QLineEdit* formField(QString const& placeholder, int width)
+QLineEdit* formField(QString const& name, QString const& placeholder, int width)
 {
     auto* field = new QLineEdit;
+    field->setAccessibleName(name);
     field->setPlaceholderText(placeholder);
     field->setFixedWidth(width);
     return field;
 }
 
-QLabel* formLabel(QString const& text)
+// Labels show what they are given as it stands: file names and server words are never markup.
+QLabel* plainLabel(QString const& text)
 {
     auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+QLabel* formLabel(QString const& text, QWidget* field)
+{
+    QLabel* label = plainLabel(text);
     label->setForegroundRole(QPalette::PlaceholderText);
+    label->setBuddy(field);
     return label;
 }
 
@@ -62,7 +73,7 @@ QPushButton* toolbarButton(QString const& title, QString const& symbol)
 
 QLabel* heading(QString const& text)
 {
-    auto* label = new QLabel(text);
+    QLabel* label = plainLabel(text);
     QFont font = label->font();
     font.setBold(true);
     font.setPointSizeF(font.pointSizeF() * 1.1);
@@ -146,6 +157,7 @@ void PerchFtpShellController::assembleMainWindow()
     }
     localPane_->redirectOpenFolderButton(this, &PerchFtpShellController::openLocalFolder);
     wireControls();
+    setTabOrderInReadingOrder();
     fillMenus();
 
     restoreLastLocalPanePath();
@@ -172,18 +184,19 @@ QWidget* PerchFtpShellController::buildConnectionArea()
     headingRow->addWidget(heading(QStringLiteral("Connection")));
     headingRow->addStretch(1);
     connectionStatusLight_ = new PerchConnectionLight;
-    connectionStatusText_ = new QLabel(QStringLiteral("Disconnected"));
+    connectionStatusText_ = plainLabel(QStringLiteral("Disconnected"));
     headingRow->addWidget(connectionStatusLight_);
     headingRow->addWidget(connectionStatusText_);
     rows->addLayout(headingRow);
 
-    hostField_ = formField(QString(), 280);
-    userField_ = formField(QStringLiteral("optional"), 170);
-    secretField_ = formField(QStringLiteral("optional"), 165);
+    hostField_ = formField(QStringLiteral("Host"), QString(), 280);
+    userField_ = formField(QStringLiteral("User"), QStringLiteral("optional"), 170);
+    secretField_ = formField(QStringLiteral("Password"), QStringLiteral("optional"), 165);
     secretField_->setEchoMode(QLineEdit::Password);
-    portField_ = formField(QString(), 60);
+    portField_ = formField(QStringLiteral("Port"), QString(), 60);
     portField_->setText(QStringLiteral("21"));
-    protocolField_ = new QComboBox;
+    protocolField_ = new PerchProtocolSelector;
+    protocolField_->setAccessibleName(QStringLiteral("Protocol"));
     protocolField_->addItems({QStringLiteral("ftp"), QStringLiteral("ftps"), QStringLiteral("sftp")});
     protocolField_->setCurrentIndex(0);
     protocolField_->setFixedWidth(84);
@@ -193,7 +206,7 @@ QWidget* PerchFtpShellController::buildConnectionArea()
     std::initializer_list<std::pair<char const*, QWidget*>> const form{{"Host", hostField_}, {"User", userField_},
         {"Password", secretField_}, {"Port", portField_}, {"Protocol", protocolField_}};
     for (auto const& [title, field] : form) {
-        formRow->addWidget(formLabel(QString::fromLatin1(title)));
+        formRow->addWidget(formLabel(QString::fromLatin1(title), field));
         formRow->addWidget(field);
         formRow->addSpacing(8);
     }
@@ -258,13 +271,14 @@ QWidget* PerchFtpShellController::buildQueuePanel()
     auto* header = new QHBoxLayout;
     header->addWidget(heading(QStringLiteral("Transfer queue")));
     header->addSpacing(12);
-    queueSummary_ = new QLabel(QStringLiteral("Queue: 0 total | Running: 0 | Completed: 0 | Failed: 0"));
+    queueSummary_ = plainLabel(QStringLiteral("Queue: 0 total | Running: 0 | Completed: 0 | Failed: 0"));
     queueSummary_->setForegroundRole(QPalette::PlaceholderText);
     header->addWidget(queueSummary_);
     header->addStretch(1);
     clearQueueButton_ = new QPushButton(themedIcon(QStringLiteral("trash")), QString());
     clearQueueButton_->setFixedSize(28, 24);
     clearQueueButton_->setToolTip(QStringLiteral("Clear the transfer queue"));
+    clearQueueButton_->setAccessibleName(QStringLiteral("Clear the transfer queue"));
     clearQueueButton_->setEnabled(false);
     header->addWidget(clearQueueButton_);
     layout->addLayout(header);
@@ -272,6 +286,7 @@ QWidget* PerchFtpShellController::buildQueuePanel()
     queueTableDataSource_ = new PerchQueueTableDataSource(this);
     queueTable_ = new QTableView;
     queueTable_->setObjectName(QStringLiteral("queueTable"));
+    queueTable_->setAccessibleName(QStringLiteral("Transfer queue"));
     queueTable_->setModel(queueTableDataSource_);
     queueTable_->setItemDelegateForColumn(PerchQueueTableDataSource::ProgressColumn,
         new PerchQueueProgressDelegate(queueTable_));
@@ -282,6 +297,7 @@ QWidget* PerchFtpShellController::buildQueuePanel()
     queueTable_->setShowGrid(false);
     queueTable_->setSelectionBehavior(QAbstractItemView::SelectRows);
     queueTable_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    queueTable_->setTabKeyNavigation(false);
     int const widths[] = {360, 160, 120, 170};
     for (int column = 0; column < PerchQueueTableDataSource::ColumnCount; ++column) {
         queueTable_->setColumnWidth(column, widths[column]);
@@ -291,10 +307,11 @@ QWidget* PerchFtpShellController::buildQueuePanel()
     auto* logLayout = new QVBoxLayout(logColumn);
     logLayout->setContentsMargins(0, 0, 0, 0);
     logLayout->setSpacing(4);
-    auto* logLabel = new QLabel(QStringLiteral("Activity log"));
+    QLabel* logLabel = plainLabel(QStringLiteral("Activity log"));
     logLabel->setForegroundRole(QPalette::PlaceholderText);
     auto* log = new QPlainTextEdit;
     log->setObjectName(QStringLiteral("activityLog"));
+    log->setAccessibleName(QStringLiteral("Activity log"));
     log->setReadOnly(true);
     log->setPlaceholderText(QStringLiteral("Connections, listings and transfers are noted here."));
     logLayout->addWidget(logLabel);
@@ -335,6 +352,14 @@ void PerchFtpShellController::wireControls()
 {
     // The connect button's action follows the connection; refreshControlState installs it.
     connect(protocolField_, &QComboBox::activated, this, &PerchFtpShellController::protocolSelectionDidChange);
+    // Return in the form does what Connect does, also while connected: it connects with what the
+    // form holds now, replacing the session there is.
+    for (QLineEdit* field : {hostField_, userField_, secretField_, portField_}) {
+        connect(field, &QLineEdit::returnPressed, this, &PerchFtpShellController::connectSession);
+    }
+    if (auto* selector = qobject_cast<PerchProtocolSelector*>(protocolField_)) {
+        connect(selector, &PerchProtocolSelector::returnPressed, this, &PerchFtpShellController::connectSession);
+    }
     connect(disconnectButton_, &QPushButton::clicked, this, &PerchFtpShellController::disconnectSession);
     connect(refreshButton_, &QPushButton::clicked, this, &PerchFtpShellController::refreshSession);
     connect(saveConnectionButton_, &QPushButton::clicked, this, &PerchFtpShellController::saveConnection);
@@ -350,6 +375,21 @@ void PerchFtpShellController::wireControls()
     }
     if (QToolButton* left = paneSplitView_->leftArrowButton()) {
         left->setIcon(themedIcon(QStringLiteral("arrow.left")));
+    }
+}
+
+// Tab walks the window as it reads: the form from left to right and its buttons, the local pane,
+// the two arrows, the remote pane, then the queue.
+void PerchFtpShellController::setTabOrderInReadingOrder()
+{
+    QList<QWidget*> order{hostField_, userField_, secretField_, portField_, protocolField_, connectButton_,
+        disconnectButton_, refreshButton_, openSavedConnectionButton_, saveConnectionButton_, reportBugButton_};
+    order += localPane_->controlsInReadingOrder();
+    order += {paneSplitView_->rightArrowButton(), paneSplitView_->leftArrowButton()};
+    order += remotePane_->controlsInReadingOrder();
+    order += {clearQueueButton_, queueTable_, queueLog_};
+    for (qsizetype at = 1; at < order.size(); ++at) {
+        QWidget::setTabOrder(order[at - 1], order[at]);
     }
 }
 

@@ -1,8 +1,12 @@
 // The menu bar: application, File, Edit, Connection and Transfer, with Ctrl for Command.
 #include "app/shell_controller.hpp"
 
+#include "app/pane/perch_file_pane_controller.hpp"
+#include "app/pane/perch_pane_table_view.hpp"
+
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
@@ -32,16 +36,60 @@ QAction* addItem(QMenu* menu, QString const& title, QKeySequence const& key, Per
     return action;
 }
 
-// An item without a target: the widget with the keyboard focus gets the action, if it has it.
-QAction* addFocusItem(QMenu* menu, QString const& title, QKeySequence const& key, char const* method)
+// The pane whose file table the widget is, if any.
+PerchFilePaneController* paneOfTable(PerchFtpShellController const& shell, QWidget* widget)
+{
+    for (PerchFilePaneController* pane : {shell.localPane(), shell.remotePane()}) {
+        if (pane != nullptr && widget == pane->tableView()) {
+            return pane;
+        }
+    }
+    return nullptr;
+}
+
+// The paths of the selected rows, one a line; with no file selected the clipboard stays as it is.
+void copySelectedPaths(PerchFilePaneController& pane)
+{
+    QStringList paths;
+    for (PaneEntry const& item : pane.selectedItems()) {
+        if (!item.path.isEmpty()) {
+            paths.append(item.path);
+        }
+    }
+    if (!paths.isEmpty()) {
+        QGuiApplication::clipboard()->setText(paths.join(u'\n'));
+    }
+}
+
+// An Edit item acts on the widget with the keyboard focus. On a pane's file list Copy copies the
+// selected paths and Select All selects every row; elsewhere the widget's own slot of that name
+// runs. Where there is no such slot the item does nothing, quietly.
+void runEditAction(PerchFtpShellController const& shell, char const* slot)
+{
+    QWidget* focus = QApplication::focusWidget();
+    if (focus == nullptr) {
+        return;
+    }
+    QByteArray const name(slot);
+    if (PerchFilePaneController* pane = paneOfTable(shell, focus)) {
+        if (name == "copy") {
+            copySelectedPaths(*pane);
+        } else if (name == "selectAll") {
+            pane->tableView()->selectAll();
+        }
+        return;
+    }
+    if (focus->metaObject()->indexOfMethod(name + "()") >= 0) {
+        QMetaObject::invokeMethod(focus, slot);
+    }
+}
+
+QAction* addEditItem(QMenu* menu, QString const& title, QKeySequence const& key, PerchFtpShellController* shell,
+    char const* slot)
 {
     QAction* action = menu->addAction(title);
     action->setShortcut(key);
-    QObject::connect(action, &QAction::triggered, menu, [method] {
-        if (QWidget* focus = QApplication::focusWidget()) {
-            QMetaObject::invokeMethod(focus, method);
-        }
-    });
+    QObject::connect(action, &QAction::triggered, menu, [shell, slot] { runEditAction(*shell, slot); });
     return action;
 }
 
@@ -79,13 +127,13 @@ void PerchFtpShellController::fillMenus()
         &PerchFtpShellController::refreshSession);
 
     QMenu* edit = menuTitled(mainMenu_, QStringLiteral("Edit"));
-    addFocusItem(edit, QStringLiteral("Undo"), QKeySequence(Qt::CTRL | Qt::Key_Z), "undo");
-    addFocusItem(edit, QStringLiteral("Redo"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), "redo");
+    addEditItem(edit, QStringLiteral("Undo"), QKeySequence(Qt::CTRL | Qt::Key_Z), this, "undo");
+    addEditItem(edit, QStringLiteral("Redo"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), this, "redo");
     edit->addSeparator();
-    addFocusItem(edit, QStringLiteral("Cut"), QKeySequence(Qt::CTRL | Qt::Key_X), "cut");
-    addFocusItem(edit, QStringLiteral("Copy"), QKeySequence(Qt::CTRL | Qt::Key_C), "copy");
-    addFocusItem(edit, QStringLiteral("Paste"), QKeySequence(Qt::CTRL | Qt::Key_V), "paste");
-    addFocusItem(edit, QStringLiteral("Select All"), QKeySequence(Qt::CTRL | Qt::Key_A), "selectAll");
+    addEditItem(edit, QStringLiteral("Cut"), QKeySequence(Qt::CTRL | Qt::Key_X), this, "cut");
+    addEditItem(edit, QStringLiteral("Copy"), QKeySequence(Qt::CTRL | Qt::Key_C), this, "copy");
+    addEditItem(edit, QStringLiteral("Paste"), QKeySequence(Qt::CTRL | Qt::Key_V), this, "paste");
+    addEditItem(edit, QStringLiteral("Select All"), QKeySequence(Qt::CTRL | Qt::Key_A), this, "selectAll");
 
     QMenu* connection = menuTitled(mainMenu_, QStringLiteral("Connection"));
     addItem(connection, QStringLiteral("Connect"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), this,

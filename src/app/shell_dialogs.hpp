@@ -34,10 +34,14 @@ struct SavedConnectionAnswer {
     int row = -1;
 };
 
+// The button that declines an alert, counted from 0: "Cancel" where the alert has one, else its
+// last button. Escape and the window's close button press it.
+int declinedAlertButton(QStringList const& buttons);
+
 // Every modal question the shell asks goes through one object of this kind, owned by the
 // controller. The default shows real dialogs; tests install one that answers from a script.
-// Apart from the folder question, each question has a base answer that declines it the way
-// closing the dialog would, so that an object made for one kind of question serves as a whole.
+// Apart from the folder question, each question has a base answer that declines it the way Escape
+// or closing the dialog does, so that an object made for one kind of question serves as a whole.
 class ShellDialogs {
 public:
     virtual ~ShellDialogs() = default;
@@ -46,7 +50,7 @@ public:
     virtual QString chooseExistingFolder(QWidget* parent, QString const& title, QString const& startFolder) = 0;
 
     // An alert with the request's buttons in order; the n-th button (from 0) answers 1000 + n.
-    // Declined: the last button.
+    // Declined: declinedAlertButton().
     virtual int runAlert(QWidget* parent, AlertRequest const& request);
 
     // A one-line text question with "OK" and "Cancel". The text as typed after "OK"; empty
@@ -60,10 +64,10 @@ public:
         QWidget* parent, std::vector<SavedConnectionItem> const& items, QIcon const& icon);
 
     // The bug-report editor, filled with the template. The edited text after "Submit"; empty
-    // optional after "Cancel".
+    // optional after "Cancel". Declined: "Cancel".
     virtual std::optional<QString> editBugReport(QWidget* parent, QString const& templateText, QIcon const& icon);
 
-    // The licence shown before anything else; true when the user accepts it. Declined: false.
+    // The licence shown before anything else; true when the user accepts it. Declined: "Decline", false.
     virtual bool acceptLicence(QString const& licenceText, QIcon const& icon);
 
     // The desktop's folder chooser as a child process; blocks until the user closes it. Unless an

@@ -19,18 +19,21 @@ AccessoryAlert::AccessoryAlert(QWidget* parent, QString const& message, QString 
     auto* heading = new QHBoxLayout;
     if (!icon.isNull()) {
         auto* iconLabel = new QLabel;
+        iconLabel->setTextFormat(Qt::PlainText);
         iconLabel->setPixmap(icon.pixmap(48, 48));
         iconLabel->setAlignment(Qt::AlignTop);
         heading->addWidget(iconLabel);
     }
     auto* texts = new QVBoxLayout;
     auto* messageLabel = new QLabel(message);
+    messageLabel->setTextFormat(Qt::PlainText);
     QFont bold = messageLabel->font();
     bold.setBold(true);
     messageLabel->setFont(bold);
     texts->addWidget(messageLabel);
     if (!informative.isEmpty()) {
         auto* informativeLabel = new QLabel(informative);
+        informativeLabel->setTextFormat(Qt::PlainText);
         informativeLabel->setWordWrap(true);
         texts->addWidget(informativeLabel);
     }
@@ -50,11 +53,17 @@ void AccessoryAlert::setAccessory(QWidget* accessory)
 QPushButton* AccessoryAlert::addButton(QString const& title)
 {
     auto* button = buttons_->addButton(title, QDialogButtonBox::ActionRole);
-    int const index = buttonCount_++;
+    int const index = static_cast<int>(titles_.size());
+    titles_.append(title);
     connect(button, &QPushButton::clicked, this, [this, index] { done(kFirstAlertButton + index); });
     button->setDefault(index == 0);
     button->setAutoDefault(index == 0);
     return button;
+}
+
+void AccessoryAlert::reject()
+{
+    done(kFirstAlertButton + declinedAlertButton(titles_));
 }
 
 } // namespace perchftp::app

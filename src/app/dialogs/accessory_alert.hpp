@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <QIcon>
 #include <QString>
+#include <QStringList>
 
 class QDialogButtonBox;
 class QPushButton;
@@ -11,7 +12,9 @@ class QVBoxLayout;
 namespace perchftp::app {
 
 // An alert with a message, an informative text, a custom body under them and buttons in a row.
-// exec() answers 1000 + n for the n-th button (from 0) and 0 when the dialog was closed otherwise.
+// exec() answers 1000 + n for the n-th button (from 0). The first button is the default one;
+// Escape and the window's close button answer as the declining button ("Cancel", else the last).
+// Both texts are shown as they stand, never as markup.
 class AccessoryAlert : public QDialog {
 public:
     AccessoryAlert(QWidget* parent, QString const& message, QString const& informative, QIcon const& icon);
@@ -19,10 +22,12 @@ public:
     void setAccessory(QWidget* accessory);
     QPushButton* addButton(QString const& title);
 
+    void reject() override;
+
 private:
     QVBoxLayout* accessoryLayout_ = nullptr;
     QDialogButtonBox* buttons_ = nullptr;
-    int buttonCount_ = 0;
+    QStringList titles_;
 };
 
 } // namespace perchftp::app

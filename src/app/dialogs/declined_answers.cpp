@@ -1,13 +1,11 @@
-// The base answers of the dialog seam: every question declined, as closing its dialog would.
+// The base answers of the dialog seam: every question declined, as Escape or closing its dialog would.
 #include "app/shell_dialogs.hpp"
-
-#include <algorithm>
 
 namespace perchftp::app {
 
 int ShellDialogs::runAlert(QWidget*, AlertRequest const& request)
 {
-    return kFirstAlertButton + static_cast<int>(std::max<qsizetype>(request.buttons.size(), 1)) - 1;
+    return kFirstAlertButton + declinedAlertButton(request.buttons);
 }
 
 std::optional<QString> ShellDialogs::askForText(QWidget*, QString const&, QString const&, QString const&,

@@ -28,6 +28,14 @@ QMessageBox::Icon messageBoxIcon(AlertRequest::Style style)
     return QMessageBox::Information;
 }
 
+// A message box makes its informative label itself, ready to read markup.
+void showAsPlainText(QWidget& dialog)
+{
+    for (auto* label : dialog.findChildren<QLabel*>()) {
+        label->setTextFormat(Qt::PlainText);
+    }
+}
+
 class DesktopDialogs final : public ShellDialogs {
 public:
     QString chooseExistingFolder(QWidget* parent, QString const& title, QString const& startFolder) override
@@ -43,21 +51,26 @@ public:
             box.setIconPixmap(request.icon.pixmap(64, 64));
         }
         box.setWindowTitle(request.messageText);
+        box.setTextFormat(Qt::PlainText);
         box.setText(request.messageText);
         box.setInformativeText(request.informativeText);
+        showAsPlainText(box);
         QStringList const titles = request.buttons.isEmpty() ? QStringList{QStringLiteral("OK")} : request.buttons;
+        // Every button keeps its place in the row: roles would let the style reorder them.
         std::vector<QAbstractButton*> buttons;
         for (QString const& title : titles) {
             buttons.push_back(box.addButton(title, QMessageBox::AcceptRole));
         }
+        int const declined = declinedAlertButton(titles);
         box.setDefaultButton(static_cast<QPushButton*>(buttons.front()));
+        box.setEscapeButton(buttons[static_cast<std::size_t>(declined)]);
         box.exec();
         for (std::size_t index = 0; index < buttons.size(); ++index) {
             if (box.clickedButton() == buttons[index]) {
                 return kFirstAlertButton + static_cast<int>(index);
             }
         }
-        return kFirstAlertButton + static_cast<int>(buttons.size()) - 1;
+        return kFirstAlertButton + declined;
     }
 
     std::optional<QString> askForText(QWidget* parent, QString const& title, QString const& message,
@@ -90,7 +103,9 @@ public:
         accessory->setFixedSize(560, 214);
         auto* layout = new QVBoxLayout(accessory);
         layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(new QLabel(QStringLiteral("Bug details")));
+        auto* caption = new QLabel(QStringLiteral("Bug details"));
+        caption->setTextFormat(Qt::PlainText);
+        layout->addWidget(caption);
         auto* editor = new QPlainTextEdit(templateText);
         editor->setFixedHeight(182);
         editor->document()->setDocumentMargin(10);

@@ -55,4 +55,9 @@ QString sizeCellText(PaneEntry const& entry)
     return QString::asprintf("%llu B", static_cast<unsigned long long>(bytes));
 }
 
+QString plainTextToolTip(QString const& text)
+{
+    return QStringLiteral("<p style=\"white-space:pre\">%1</p>").arg(text.toHtmlEscaped());
+}
+
 } // namespace perchftp::app::detail

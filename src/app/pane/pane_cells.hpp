@@ -14,4 +14,8 @@ qint64 leadingInt64(QString const& text);
 // The size column's text: "" for placeholders and folders, else the size in B, KB, MB or GB.
 QString sizeCellText(PaneEntry const& entry);
 
+// A tooltip that shows the text exactly: a tooltip reads anything that looks like markup as
+// markup, so the text goes in escaped, inside markup of its own.
+QString plainTextToolTip(QString const& text);
+
 } // namespace perchftp::app::detail

@@ -110,6 +110,12 @@ void PerchFilePaneController::openFolder()
     openFolderClicked();
 }
 
+QList<QWidget*> PerchFilePaneController::controlsInReadingOrder() const
+{
+    return {m_pathField, m_upButton, m_openFolderButton, m_createFolderButton, m_renameButton, m_deleteButton,
+            m_uploadButton, m_downloadButton, m_tableView};
+}
+
 PaneEntries const& PerchFilePaneController::entries() const
 {
     return m_model->entries();

@@ -88,6 +88,9 @@ public:
     QPushButton* deleteButton() const { return m_deleteButton; }
     QPushButton* uploadButton() const { return m_uploadButton; }
     QPushButton* downloadButton() const { return m_downloadButton; }
+    // The pane's controls in reading order, for the window's Tab order: the path field, the
+    // buttons from left to right, then the table.
+    QList<QWidget*> controlsInReadingOrder() const;
 
     QString currentPath() const { return m_currentPath; }
     void setCurrentPath(QString const& path) { m_currentPath = path; }

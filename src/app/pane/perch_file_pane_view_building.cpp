@@ -41,6 +41,7 @@ void PerchFilePaneController::buildViews(QString const&)
     m_hostView->setObjectName(m_isRemote ? QStringLiteral("remotePane") : QStringLiteral("localPane"));
     m_pathField = new PerchPathField(m_hostView);
     m_pathField->setObjectName(QStringLiteral("pathField"));
+    m_pathField->setAccessibleName(m_isRemote ? tr("Remote folder") : tr("Local folder"));
     buildButtons();
     buildTable();
     buildContextMenu();
@@ -98,11 +99,14 @@ void PerchFilePaneController::buildTable()
 
     m_tableView = new PerchPaneTableView(m_hostView);
     m_tableView->setObjectName(QStringLiteral("paneTable"));
+    m_tableView->setAccessibleName(m_isRemote ? tr("Remote files") : tr("Local files"));
     m_tableView->setPaneController(this);
     m_tableView->setModel(m_model);
     m_tableView->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_tableView->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_tableView->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // Tab leaves the list for the next control instead of walking its cells.
+    m_tableView->setTabKeyNavigation(false);
     m_tableView->setShowGrid(false);
     m_tableView->setWordWrap(false);
     m_tableView->setAlternatingRowColors(false);

@@ -17,9 +17,11 @@ QToolButton* makeArrowButton(QWidget* parent, PaneIcon icon, QString const& tool
     button->setIcon(paneIcon(icon));
     button->setIconSize(QSize(18, 18));
     button->setToolTip(toolTip);
+    button->setAccessibleName(toolTip);
     button->setFixedSize(PerchPaneSplitHandle::kArrowWidth, PerchPaneSplitHandle::kArrowHeight);
     button->setCursor(Qt::ArrowCursor);
-    button->setFocusPolicy(Qt::NoFocus);
+    // Reached with Tab and pressed with Space; a click leaves the focus in the pane it came from.
+    button->setFocusPolicy(Qt::TabFocus);
     return button;
 }
 

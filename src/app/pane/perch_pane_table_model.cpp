@@ -106,7 +106,10 @@ QVariant PerchPaneTableModel::data(QModelIndex const& index, int role) const
         }
         return paneIcon(entry.dir ? PaneIcon::Folder : PaneIcon::File);
     case Qt::ToolTipRole:
-        return index.column() == NameColumn && !entry.placeholder ? QVariant(entry.path) : QVariant();
+        if (index.column() != NameColumn || entry.placeholder) {
+            return {};
+        }
+        return detail::plainTextToolTip(entry.path);
     default:
         return {};
     }

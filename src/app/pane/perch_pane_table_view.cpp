@@ -5,6 +5,7 @@
 
 #include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QFocusEvent>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMouseEvent>
@@ -77,6 +78,18 @@ void PerchPaneTableView::contextMenuEvent(QContextMenuEvent* event)
     }
     emit contextMenuRequestedForRow(row, event->globalPos());
     event->accept();
+}
+
+void PerchPaneTableView::focusInEvent(QFocusEvent* event)
+{
+    QTableView::focusInEvent(event);
+    bool const byKeyboard = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (!byKeyboard || model() == nullptr || model()->rowCount() == 0 || selectionModel() == nullptr
+        || selectionModel()->hasSelection()) {
+        return;
+    }
+    QModelIndex const current = currentIndex().isValid() ? currentIndex() : model()->index(0, 0);
+    selectionModel()->setCurrentIndex(current, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 void PerchPaneTableView::paintEvent(QPaintEvent* event)

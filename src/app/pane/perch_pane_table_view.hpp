@@ -22,6 +22,8 @@ protected:
 // The table of a file pane. A right click on a row that is not selected selects that row alone
 // before the context menu opens, so that the menu acts on what the user points at; a right click
 // on a selected row keeps a multiple selection. Rows are striped and the selection is rounded.
+// Arriving with Tab in a list where nothing is selected selects the current row: rows carry no
+// focus mark, so that the arrow keys start from a row the user can see.
 class PerchPaneTableView : public QTableView {
     Q_OBJECT
 public:
@@ -39,6 +41,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;

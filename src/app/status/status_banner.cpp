@@ -31,6 +31,8 @@ PerchStatusBanner::PerchStatusBanner(QWidget* parent)
 {
     setObjectName(QStringLiteral("statusBanner"));
     label_->setObjectName(QStringLiteral("statusLabel"));
+    // The banner repeats file names and server answers: never read them as markup.
+    label_->setTextFormat(Qt::PlainText);
     label_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label_->setMinimumWidth(0);
     auto* layout = new QHBoxLayout(this);

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -127,6 +129,110 @@ TEST(DesktopDialogs, AlertsTextPromptsAndTheLicenceAnswerWithWhatWasPressed)
     EXPECT_FALSE(dialogs->acceptLicence(QStringLiteral("terms"), QIcon()));
     whenModalAppears([](QWidget* dialog) { click(dialog, QStringLiteral("Accept")); });
     EXPECT_TRUE(dialogs->acceptLicence(QStringLiteral("terms"), QIcon()));
+}
+
+// Every label of the dialog reads its text as it stands; the words under test are there as typed.
+void expectPlainTextLabels(QWidget* dialog, bool showsWordsUnderTest)
+{
+    bool shown = false;
+    for (auto* label : dialog->findChildren<QLabel*>()) {
+        EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
+        shown = shown || label->text().contains(QStringLiteral("<b>x</b>"));
+    }
+    EXPECT_EQ(shown, showsWordsUnderTest);
+}
+
+// Declines the dialog as a user does, with Escape in whatever has the focus or with the window's
+// close button. A dialog that stays up is answered with its first button, so that the test fails
+// and does not hang.
+void decline(QWidget* dialog, bool withEscape)
+{
+    QPointer<QWidget> const alive = dialog;
+    if (withEscape) {
+        QTest::keyClick(dialog->focusWidget() ? dialog->focusWidget() : dialog, Qt::Key_Escape);
+    } else {
+        dialog->close();
+    }
+    QTimer::singleShot(500, [alive] {
+        if (alive && alive->isVisible()) {
+            ADD_FAILURE() << (alive->windowTitle().toStdString()) << " stayed open";
+            alive->findChildren<QPushButton*>().first()->click();
+        }
+    });
+}
+
+TEST(DesktopDialogs, EscapeAndTheCloseButtonDeclineEveryQuestionWhoseWordsStayPlainText)
+{
+    auto dialogs = createDesktopDialogs();
+    QString const markup = QStringLiteral("<b>x</b>");
+    auto const alert = [&](QStringList buttons) {
+        AlertRequest request;
+        request.messageText = markup;
+        request.informativeText = QStringLiteral("Delete \"%1\"?").arg(markup);
+        request.buttons = std::move(buttons);
+        return request;
+    };
+    std::vector<SavedConnectionItem> const items{{1, markup, "ftp", "home.example", "", "", 21, "", ""}};
+    struct Question {
+        char const* what;
+        std::function<int()> ask;
+        int declined;
+    } const questions[] = {
+        {"delete confirmation",
+            [&] { return dialogs->runAlert(nullptr, alert({QStringLiteral("Delete"), QStringLiteral("Cancel")})); },
+            kFirstAlertButton + 1},
+        {"alert with Cancel last of three",
+            [&] {
+                return dialogs->runAlert(nullptr,
+                    alert({QStringLiteral("Replace"), QStringLiteral("Skip"), QStringLiteral("Cancel")}));
+            },
+            kFirstAlertButton + 2},
+        {"alert with Close alone", [&] { return dialogs->runAlert(nullptr, alert({QStringLiteral("Close")})); },
+            kFirstAlertButton},
+        {"conflict alert with its box",
+            [&] {
+                bool checked = true;
+                int const answer = dialogs->runAlertWithCheckBox(nullptr,
+                    alert({QStringLiteral("Replace"), QStringLiteral("Skip"), QStringLiteral("Cancel")}),
+                    QStringLiteral("Remember this decision for next conflict"), checked);
+                EXPECT_FALSE(checked);
+                return answer;
+            },
+            kFirstAlertButton + 2},
+        {"text prompt",
+            [&] {
+                auto const text = dialogs->askForText(nullptr, markup, markup, QStringLiteral("a"), QString(), QIcon());
+                return text ? kFirstAlertButton : 0;
+            },
+            0},
+        {"saved connections", [&] { return runSavedConnectionPicker(nullptr, items, QIcon()).button; },
+            kFirstAlertButton + 3},
+    };
+    for (Question const& question : questions) {
+        for (bool const withEscape : {true, false}) {
+            SCOPED_TRACE(std::string(question.what) + (withEscape ? ", Escape" : ", close button"));
+            whenModalAppears([&](QWidget* dialog) {
+                auto* first = dialog->findChildren<QPushButton*>().value(0);
+                ASSERT_NE(first, nullptr);
+                EXPECT_TRUE(first->isDefault()) << "the first button stays the default one";
+                expectPlainTextLabels(dialog, std::string(question.what) != "saved connections");
+                decline(dialog, withEscape);
+            });
+            EXPECT_EQ(question.ask(), question.declined);
+        }
+    }
+
+    // The bug report and the licence show only their own words; they decline all the same.
+    for (bool const withEscape : {true, false}) {
+        SCOPED_TRACE(withEscape ? "Escape" : "close button");
+        whenModalAppears([&](QWidget* dialog) {
+            expectPlainTextLabels(dialog, false);
+            decline(dialog, withEscape);
+        });
+        EXPECT_EQ(dialogs->editBugReport(nullptr, QStringLiteral("What happened?"), QIcon()), std::nullopt);
+        whenModalAppears([&](QWidget* dialog) { decline(dialog, withEscape); });
+        EXPECT_FALSE(dialogs->acceptLicence(QStringLiteral("terms"), QIcon()));
+    }
 }
 
 } // namespace
