@@ -25,6 +25,13 @@ bool displayIsNamed()
 
 } // namespace
 
+void describeApplication(QCoreApplication& application)
+{
+    application.setOrganizationName(QStringLiteral("PerchFtp"));
+    application.setApplicationName(QStringLiteral("PerchFtp"));
+    application.setApplicationVersion(QStringLiteral(PERCHFTP_PROJECT_VERSION));
+}
+
 int run_desktop_shell()
 {
     // What main printed must reach a pipe even if the toolkit aborts below.
@@ -37,8 +44,7 @@ int run_desktop_shell()
     static char name[] = "perchftp";
     static char* argv[] = {name, nullptr};
     QApplication application(argc, argv);
-    application.setOrganizationName(QStringLiteral("PerchFtp"));
-    application.setApplicationName(QStringLiteral("PerchFtp"));
+    describeApplication(application);
     application.setQuitOnLastWindowClosed(true);
 
     std::optional<RunningShell> shell = startDesktopShell(application, createDesktopDialogs());

@@ -7,7 +7,6 @@
 #include <QApplication>
 #include <QMainWindow>
 #include <QPointer>
-#include <QScreen>
 #include <QStyle>
 #include <QTimer>
 
@@ -19,17 +18,6 @@ QIcon applicationIcon()
 {
     QIcon icon = appIconImage();
     return icon.isNull() ? QApplication::style()->standardIcon(QStyle::SP_DesktopIcon) : icon;
-}
-
-void showCentred(QWidget* window)
-{
-    if (QScreen* screen = window->screen()) {
-        QRect frame = window->frameGeometry();
-        frame.moveCenter(screen->availableGeometry().center());
-        window->move(frame.topLeft());
-    }
-    window->show();
-    window->raise();
 }
 
 } // namespace
@@ -55,7 +43,7 @@ std::optional<RunningShell> startDesktopShell(QApplication& application, std::un
     shell.controller->createMainWindow(appIconImage());
 
     shell.splash = std::make_unique<PerchSplashWindow>(icon);
-    showCentred(shell.splash.get());
+    shell.splash->showCentred();
 
     shell.controller->assembleMainWindow();
 

@@ -1,22 +1,36 @@
 #include "app/splash_window.hpp"
 
 #include <QApplication>
+#include <QGridLayout>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPropertyAnimation>
+#include <QScreen>
 #include <QStyle>
 #include <QVBoxLayout>
 
 namespace perchftp::app {
 
-PerchSplashWindow::PerchSplashWindow(QIcon const& icon)
-    : QWidget(nullptr, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::SplashScreen)
+namespace {
+
+QSize const kCardSize(420, 240);
+
+// Wayland gives a client no say over where its top-levels go, so a window there can't centre
+// itself; an X11 window can.
+bool windowSystemPlacesWindows()
 {
-    setObjectName(QStringLiteral("splashWindow"));
-    setAttribute(Qt::WA_TranslucentBackground);
-    setAttribute(Qt::WA_QuitOnClose, false);
-    setFixedSize(420, 240);
+    return QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
+}
+
+} // namespace
+
+PerchSplashCard::PerchSplashCard(QIcon const& icon, QWidget* parent)
+    : QWidget(parent)
+{
+    setObjectName(QStringLiteral("splashCard"));
+    setFixedSize(kCardSize);
 
     QIcon const shown = icon.isNull() ? QApplication::style()->standardIcon(QStyle::SP_ComputerIcon) : icon;
     auto* iconLabel = new QLabel;
@@ -41,7 +55,7 @@ PerchSplashWindow::PerchSplashWindow(QIcon const& icon)
     layout->addWidget(spinner, 0, Qt::AlignHCenter);
 }
 
-void PerchSplashWindow::paintEvent(QPaintEvent*)
+void PerchSplashCard::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -50,6 +64,38 @@ void PerchSplashWindow::paintEvent(QPaintEvent*)
     QColor background = QColor::fromRgbF(0.09f, 0.09f, 0.09f);
     background.setAlphaF(0.9f);
     painter.fillPath(path, background);
+}
+
+PerchSplashWindow::PerchSplashWindow(QIcon const& icon)
+    : QWidget(nullptr, Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::SplashScreen)
+    , card_(new PerchSplashCard(icon))
+{
+    setObjectName(QStringLiteral("splashWindow"));
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    auto* layout = new QGridLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(card_, 0, 0, Qt::AlignCenter);
+    resize(kCardSize);
+}
+
+void PerchSplashWindow::showCentred()
+{
+    if (windowSystemPlacesWindows()) {
+        // A maximised window fills the work area on every desktop, so the card at its centre is
+        // where a centred window would be; clicks pass through the clear rest.
+        setWindowFlag(Qt::WindowTransparentForInput);
+        showMaximized();
+    } else {
+        setFixedSize(kCardSize);
+        if (QScreen* screen = this->screen()) {
+            QRect frame = frameGeometry();
+            frame.moveCenter(screen->availableGeometry().center());
+            move(frame.topLeft());
+        }
+        show();
+    }
+    raise();
 }
 
 PerchBusySpinner::PerchBusySpinner(QWidget* parent)

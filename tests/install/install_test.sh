@@ -14,7 +14,9 @@ expect=(
   share/applications/$id.desktop
   share/metainfo/$id.metainfo.xml
   share/icons/hicolor/scalable/apps/$id.svg
-  share/doc/PerchFtp/licence.txt
+  share/doc/perchftp/copyright
+  share/doc/perchftp/changelog.gz
+  share/man/man1/perchftp.1.gz
 )
 for size in 16 32 64 128 256; do
   expect+=(share/icons/hicolor/${size}x${size}/apps/$id.png)

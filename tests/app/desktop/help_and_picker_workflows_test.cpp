@@ -1,3 +1,4 @@
+#include "app/desktop_shell.hpp"
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/status/status_banner.hpp"
 #include "desktop/fake_folder_chooser.hpp"
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpression>
@@ -87,6 +89,30 @@ TEST_F(HelpWorkflows, BugReportsAreAppendedWhenGivenAndTheAboutPanelOnlyCloses)
     EXPECT_EQ(lastQuestion().text,
         QStringLiteral("Version 0.1.0\nPerchFtp is a desktop FTP client for local and remote file management."));
     EXPECT_EQ(lastQuestion().options, QStringList{QStringLiteral("Close")});
+}
+
+TEST_F(HelpWorkflows, TheAboutPanelShowsTheVersionTheBuildWasMadeWithAndFallsBackWhenItIsEmpty)
+{
+    QString const name = QCoreApplication::applicationName();
+    QString const organisation = QCoreApplication::organizationName();
+    QString const version = QCoreApplication::applicationVersion();
+    auto const aboutText = [&] {
+        dialogs().expectAlertButton(app::kFirstAlertButton);
+        controller().showAboutPanel();
+        return lastQuestion().text.section(u'\n', 0, 0);
+    };
+
+    app::describeApplication(*QCoreApplication::instance());
+    EXPECT_EQ(QCoreApplication::applicationVersion(), QStringLiteral(PERCHFTP_PROJECT_VERSION));
+    EXPECT_EQ(aboutText(), QStringLiteral("Version " PERCHFTP_PROJECT_VERSION));
+    QCoreApplication::setApplicationVersion(QStringLiteral("7.8.9"));
+    EXPECT_EQ(aboutText(), QStringLiteral("Version 7.8.9"));
+    QCoreApplication::setApplicationVersion(QString());
+    EXPECT_EQ(aboutText(), QStringLiteral("Version 0.1.0"));
+
+    QCoreApplication::setApplicationName(name);
+    QCoreApplication::setOrganizationName(organisation);
+    QCoreApplication::setApplicationVersion(version);
 }
 
 class FolderPicker : public HelpWorkflows {

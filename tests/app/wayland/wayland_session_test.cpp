@@ -1,0 +1,171 @@
+// The real program on a Wayland session of its own: a headless weston in a temporary runtime
+// folder, the program started there as a desktop would start it (no X display, no platform
+// forced), and what the compositor shows read back from the compositor's own screenshots.
+#include "support/servers/child_process.hpp"
+#include "support/temp_dir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QRect>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <sstream>
+#include <thread>
+
+namespace perchftp::test {
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+char const* const kSocket = "perchftp-test";
+QSize const kOutput(1600, 1000);
+QSize const kSplash(420, 240);
+QSize const kMainWindowMinimum(840, 520);
+// The desktop's background colour, set in weston.ini below; there is no panel.
+QRgb const kBackground = qRgb(0, 255, 0);
+
+// The smallest rectangle holding every pixel that is not the desktop's background.
+QRect contentOf(QImage const& shot)
+{
+    QRect content;
+    for (int y = 0; y < shot.height(); ++y) {
+        QRgb const* line = reinterpret_cast<QRgb const*>(shot.constScanLine(y));
+        for (int x = 0; x < shot.width(); ++x) {
+            if ((line[x] & 0xffffffu) != (kBackground & 0xffffffu)) {
+                content |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return content;
+}
+
+std::string describe(QRect const& rect)
+{
+    std::ostringstream out;
+    out << rect.width() << "x" << rect.height() << " at " << rect.x() << "," << rect.y();
+    return out.str();
+}
+
+bool near(QSize const& size, QSize const& wanted)
+{
+    return std::abs(size.width() - wanted.width()) <= 2 && std::abs(size.height() - wanted.height()) <= 2;
+}
+
+bool waitFor(std::function<bool()> const& condition, std::chrono::milliseconds limit)
+{
+    auto const deadline = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(50ms);
+    }
+    return true;
+}
+
+class WaylandSession : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!fs::exists("/usr/bin/weston") || !fs::exists("/usr/bin/weston-screenshooter")) {
+            GTEST_FAIL() << "weston is not installed: run scripts/install-deps";
+        }
+        for (char const* folder : {"home", "data", "config/PerchFtp", "runtime", "shots"}) {
+            fs::create_directories(root_.path() / folder);
+        }
+        fs::permissions(root_.path() / "runtime", fs::perms::owner_all, fs::perm_options::replace);
+        ::setenv("HOME", root_.file("home").c_str(), 1);
+        ::setenv("XDG_DATA_HOME", root_.file("data").c_str(), 1);
+        ::setenv("XDG_CONFIG_HOME", root_.file("config").c_str(), 1);
+        ::setenv("XDG_CACHE_HOME", root_.file("home/.cache").c_str(), 1);
+        ::setenv("XDG_RUNTIME_DIR", root_.file("runtime").c_str(), 1);
+        ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "http://127.0.0.1:9/api/install-events.php", 1);
+        // A Wayland session as a desktop hands it to its programs: Qt picks its platform from it.
+        ::setenv("XDG_SESSION_TYPE", "wayland", 1);
+        ::setenv("WAYLAND_DISPLAY", kSocket, 1);
+        for (char const* variable : {"DISPLAY", "QT_QPA_PLATFORM", "XDG_CURRENT_DESKTOP", "XDG_SESSION_DESKTOP"}) {
+            ::unsetenv(variable);
+        }
+        writeFile(root_.path() / "config/PerchFtp/PerchFtp.conf", "[General]\nLicenceAccepted=true\n");
+        writeFile(root_.path() / "weston.ini",
+            "[core]\nidle-time=0\n[shell]\nbackground-color=0xff00ff00\npanel-position=none\nlocking=false\n");
+
+        // --debug lets weston-screenshooter read the screen; the pixman renderer draws it in memory.
+        std::vector<std::string> const weston{"/usr/bin/weston", "--backend=headless-backend.so",
+            std::string("--socket=") + kSocket, "--config=" + root_.file("weston.ini"), "--use-pixman", "--debug",
+            "--width=" + std::to_string(kOutput.width()), "--height=" + std::to_string(kOutput.height())};
+        weston_ = std::make_unique<ChildProcess>(weston, westonLog());
+        waitUntil(*weston_, westonLog(), "weston", [&] { return fs::exists(root_.path() / "runtime" / kSocket); });
+        ASSERT_TRUE(waitFor([&] { return contentOf(screenshot()).isEmpty(); }, 20s))
+            << "weston never showed its empty desktop:\n" << readFile(westonLog());
+    }
+
+    fs::path westonLog() const { return root_.path() / "weston.log"; }
+    fs::path programLog() const { return root_.path() / "perchftp.log"; }
+
+    // What the compositor shows now; a null image when it could not be taken.
+    QImage screenshot()
+    {
+        fs::path const shots = root_.path() / "shots";
+        if (!runCommand("cd '" + shots.string() + "' && /usr/bin/weston-screenshooter >/dev/null 2>&1")) {
+            return {};
+        }
+        QImage shot;
+        for (auto const& entry : fs::directory_iterator(shots)) {
+            shot.load(QString::fromStdString(entry.path().string()));
+            fs::remove(entry.path());
+        }
+        return shot.convertToFormat(QImage::Format_RGB32);
+    }
+
+    TempDir root_;
+    std::unique_ptr<ChildProcess> weston_;
+};
+
+TEST_F(WaylandSession, TheProgramRunsNativelyWithItsSplashCentredOnTheScreenThenStaysUpWithItsMainWindow)
+{
+    ChildProcess program({PERCHFTP_PROGRAM}, programLog());
+
+    // The first thing on screen is the splash, alone once the start-up's connection popup has
+    // gone. The compositor decides where top-levels go, and its choice is not the middle.
+    std::optional<QRect> splash;
+    QRect seen;
+    ASSERT_TRUE(waitFor(
+        [&] {
+            seen = contentOf(screenshot());
+            if (near(seen.size(), kSplash)) {
+                splash = seen;
+            }
+            return splash || seen.width() >= kMainWindowMinimum.width() || !program.running();
+        },
+        20s))
+        << "nothing but " << describe(seen) << " appeared:\n" << readFile(programLog());
+    ASSERT_TRUE(splash) << "the splash was never seen alone; last seen " << describe(seen) << "\n"
+                        << readFile(programLog());
+    QPointF const middle = QRectF(*splash).center();
+    EXPECT_NEAR(middle.x(), kOutput.width() / 2.0, 2.0) << describe(*splash);
+    EXPECT_NEAR(middle.y(), kOutput.height() / 2.0, 2.0) << describe(*splash);
+
+    ASSERT_TRUE(waitFor(
+        [&] {
+            seen = contentOf(screenshot());
+            return (seen.width() >= kMainWindowMinimum.width() && seen.height() >= kMainWindowMinimum.height())
+                || !program.running();
+        },
+        10s))
+        << "the main window never appeared; last seen " << describe(seen) << "\n" << readFile(programLog());
+    std::this_thread::sleep_for(1s);
+    ASSERT_TRUE(program.running()) << readFile(programLog());
+    QRect const window = contentOf(screenshot());
+    EXPECT_GE(window.width(), kMainWindowMinimum.width()) << describe(window);
+    EXPECT_GE(window.height(), kMainWindowMinimum.height()) << describe(window);
+}
+
+} // namespace
+} // namespace perchftp::test
