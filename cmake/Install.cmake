@@ -87,7 +87,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "libqt6widgets6 (>= 6.4), libqt6gui6 (>= 6.4), libqt6core6 (>= 6.4), libqt6svg6 (>= 6.4), qt6-qpa-plugins, libcurl4 (>= 7.88), libsqlite3-0 (>= 3.40), libc6, libstdc++6")
+    "libqt6widgets6 (>= 6.4), libqt6gui6 (>= 6.4), libqt6core6 (>= 6.4), libqt6svg6 (>= 6.4), qt6-qpa-plugins, libxcb1, libcurl4 (>= 7.88), libsqlite3-0 (>= 3.40), libc6, libstdc++6")
 # qt6-wayland lets the program run natively on a Wayland session instead of through XWayland.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, zenity | kdialog, fonts-noto-color-emoji")
 include(CPack)
