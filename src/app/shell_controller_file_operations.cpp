@@ -240,8 +240,8 @@ protocol::SessionResult PerchFtpShellController::removeRemoteItem(std::string co
     return {false, 5, "recursive remote delete failed"};
 }
 
-// Depth first, contents before the folder, stopping at the first failure. The listing must not
-// hold "." or "..", since nothing here filters them.
+// Depth first, contents before the folder, stopping at the first failure. A listed name that
+// could lead out of the folder (a link's "../elsewhere", ".", "..") is a failure, never a path.
 bool PerchFtpShellController::deleteRemotePathRecursive(std::string const& path)
 {
     if (!isConnected()) {
@@ -254,6 +254,10 @@ bool PerchFtpShellController::deleteRemotePathRecursive(std::string const& path)
         return false;
     }
     for (protocol::RemoteEntry const& entry : entries) {
+        if (!detail::isPlainEntryName(entry.name)) {
+            logMessage("Remote recursive delete stopped at a name that is not inside the folder: " + entry.name);
+            return false;
+        }
         std::string const child = detail::joinRemotePath(path, entry.name);
         if (entry.isDirectory) {
             if (!deleteRemotePathRecursive(child)) {

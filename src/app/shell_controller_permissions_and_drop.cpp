@@ -68,8 +68,10 @@ void PerchFtpShellController::changePermissionsForItems(PaneEntries const& items
     finishFileOperation(done, done, true);
 }
 
-// One local item dropped on the remote pane goes into the folder it was dropped on, or to the
-// path of the file row it was dropped on. runTransfer() checks everything else.
+// One local item dropped on the remote pane goes into the folder it was dropped on. The pane
+// hands over its current folder for a drop on a file row or below the rows, so that path is a
+// folder whatever its rows hold (an empty folder's only row is a file-like placeholder of that
+// path). runTransfer() checks everything else.
 void PerchFtpShellController::didDropPaths(PerchFilePaneController*, QStringList const& paths,
     QString const& targetPath, bool isRemote)
 {
@@ -86,7 +88,8 @@ void PerchFtpShellController::didDropPaths(PerchFilePaneController*, QStringList
         return;
     }
     QString target = targetPath.isEmpty() ? QStringLiteral("/") : targetPath;
-    bool isFolder = target == QLatin1String("/") || target.endsWith(u'/');
+    bool isFolder = target == QLatin1String("/") || target.endsWith(u'/')
+        || (remotePane_ && target == remotePane_->pathValue());
     if (!isFolder && remotePane_) {
         for (PaneEntry const& entry : remotePane_->entries()) {
             if (entry.path == target) {

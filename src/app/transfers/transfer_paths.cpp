@@ -17,6 +17,11 @@ std::string joinRemotePath(std::string const& base, std::string const& leaf)
     return base + "/" + leaf;
 }
 
+bool isPlainEntryName(std::string const& name)
+{
+    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
+}
+
 bool messageLooksLikeAlreadyExists(std::string const& message)
 {
     std::string lowered = message;

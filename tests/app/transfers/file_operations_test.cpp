@@ -227,6 +227,21 @@ TEST_F(FileOperations, RemoteItemsAreCreatedRenamedAndDeletedWithTheirTreesUntil
     server().setReply("LIST", "550 No.");
     EXPECT_FALSE(controller().deleteRemotePathRecursive("/tree"));
     EXPECT_TRUE(logLines().back().startsWith("Remote recursive delete list failed: ftp "));
+
+    // The server lists a link as "up -> ../elsewhere.txt", and the parser names it by the target.
+    server().clearReplies();
+    putRemote("/elsewhere.txt", "kept");
+    putRemote("/links/");
+    fs::create_symlink("../elsewhere.txt", server().local("/links/up"));
+    server().clearReceivedCommands();
+    dialogs().expectAlertButton(kConfirm);
+    controller().deletePanePath(QStringLiteral("/links"), true, true);
+    EXPECT_EQ(remoteContent("/elsewhere.txt"), "kept");
+    EXPECT_TRUE(remoteExists("/links/up"));
+    EXPECT_EQ(server().receivedCommands({"DELE", "RMD"}), std::vector<std::string>{}) << "nothing was removed";
+    EXPECT_EQ(popupMessage(), "Remote delete failed: recursive remote delete failed");
+    EXPECT_EQ(logLines().back(),
+              "Remote recursive delete stopped at a name that is not inside the folder: ../elsewhere.txt");
 }
 
 // The mode travels to the server in decimal, so the digits the server reads are not those the
@@ -266,11 +281,12 @@ TEST_F(FileOperations, PermissionsAreProposedFromTheFirstItemAndSentToTheServerA
     EXPECT_EQ(server().receivedCommands({"SITE"}).size(), 3u) << "the first failure ends the loop";
 }
 
-TEST_F(FileOperations, ADropUploadsIntoTheFolderRowOrTheRootButOnAFileRowAimsAtItsFolderItself)
+TEST_F(FileOperations, ADropOnAFolderRowUploadsIntoThatFolderAndAnyOtherIntoTheCurrentFolderWhereverItIs)
 {
     putLocal("photo.jpg", "jpg");
     putLocal("b.txt", "b");
     putRemote("/albums/old.jpg", "old");
+    putRemote("/albums/2024/");
     controller().refreshRemoteDirectory();
     EXPECT_TRUE(drop({localText("photo.jpg")}, "albums"));
     EXPECT_EQ(remoteContent("/albums/photo.jpg"), "jpg");
@@ -286,21 +302,27 @@ TEST_F(FileOperations, ADropUploadsIntoTheFolderRowOrTheRootButOnAFileRowAimsAtI
     EXPECT_EQ(jobs().size(), 2u);
     EXPECT_FALSE(remoteExists("/b.txt"));
 
-    // The pane aims a drop on a file row at its current folder; no row of that folder is the
-    // folder itself, so the shell takes the target for a file and asks about replacing it.
+    // An empty folder's only row is a placeholder that carries the folder's own path.
+    remotePane().setPathValue(QStringLiteral("/albums/2024"));
+    controller().refreshRemoteDirectory();
+    EXPECT_TRUE(drop({localText("b.txt")}, ""));
+    EXPECT_EQ(remoteContent("/albums/2024/b.txt"), "b");
     remotePane().setPathValue(QStringLiteral("/albums"));
     controller().refreshRemoteDirectory();
-    dialogs().expectCheckBoxAlert(kCancel, false);
     EXPECT_TRUE(drop({localText("b.txt")}, "old.jpg"));
-    ASSERT_EQ(dialogs().questions().size(), 1u);
-    EXPECT_EQ(lastQuestion(), "File \"albums\" already exists at the destination.");
-    EXPECT_EQ(jobs().back().remotePath, "/albums");
-    EXPECT_EQ(jobs().back().state, JobState::Canceled);
-    dialogs().expectCheckBoxAlert(kReplace, false);
-    drop({localText("b.txt")}, "old.jpg");
-    EXPECT_EQ(jobs().back().state, JobState::Failed) << "the upload onto a folder's path fails on the server";
-    EXPECT_EQ(popupMessage(), "Transfer failed.");
+    EXPECT_EQ(remoteContent("/albums/b.txt"), "b");
     EXPECT_EQ(remoteContent("/albums/old.jpg"), "old");
+    putLocal("photo.jpg", "new");
+    EXPECT_TRUE(drop({localText("photo.jpg")}, "2024"));
+    EXPECT_EQ(remoteContent("/albums/2024/photo.jpg"), "new");
+    EXPECT_TRUE(dialogs().questions().empty()) << "no drop met a file of its name";
+
+    dialogs().expectCheckBoxAlert(kCancel, false);
+    EXPECT_TRUE(drop({localText("photo.jpg")}, "old.jpg"));
+    EXPECT_EQ(lastQuestion(), "File \"photo.jpg\" already exists at the destination.");
+    EXPECT_EQ(jobs().back().remotePath, "/albums/photo.jpg");
+    EXPECT_EQ(jobs().back().state, JobState::Canceled);
+    EXPECT_EQ(remoteContent("/albums/photo.jpg"), "jpg");
 }
 
 } // namespace

@@ -41,13 +41,17 @@ TEST(TransferText, PermissionTextsGiveTheirModesOrAreRefused)
     EXPECT_TRUE(permissionDisplayFromModeString(QString()).isEmpty());
 }
 
-TEST(TransferText, RemotePathsJoinWithOneSlashAndAnyMessageHoldingExistReadsAsAlreadyExists)
+TEST(TransferText, RemotePathsJoinPlainNamesWithOneSlashAndAnyMessageHoldingExistReadsAsAlreadyExists)
 {
     EXPECT_EQ(joinRemotePath("", "a"), "/a");
     EXPECT_EQ(joinRemotePath("/", "a"), "/a");
     EXPECT_EQ(joinRemotePath("/srv/", "a"), "/srv/a");
     EXPECT_EQ(joinRemotePath("/srv", "a/b"), "/srv/a/b");
     EXPECT_EQ(joinRemotePath("srv", ""), "srv/");
+    for (std::string const name : {"", ".", "..", "../up", "/etc", "a/b"}) {
+        EXPECT_FALSE(isPlainEntryName(name)) << name;
+    }
+    EXPECT_TRUE(isPlainEntryName("..hidden"));
     EXPECT_EQ(lastPathComponent("/a/b.txt"), "b.txt");
     EXPECT_EQ(lastPathComponent("/a/b/"), "b");
     EXPECT_EQ(lastPathComponent("name"), "name");
