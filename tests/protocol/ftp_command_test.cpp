@@ -12,7 +12,9 @@ using testing::HasSubstr;
 using Lines = std::vector<std::string>;
 
 // One remote command against the server as the previous rows left it. Each row uses names of
-// its own; `refusals` are whole lines or verbs answered with a 550 (or CLOSE) instead.
+// its own; `replies` are whole lines or verbs answered with a 550 (or CLOSE) instead. A row with
+// a `login` reply first connects again while PWD gives that answer, which sets the login folder
+// the session believes in (the server's own stays "/").
 struct CommandRow {
     char const* what;
     Lines files;
@@ -25,6 +27,7 @@ struct CommandRow {
     Lines wire;
     Lines existing{};
     Lines gone{};
+    std::string login{};
 };
 
 constexpr char const kRefused[] = "550 Refused by the test.";
@@ -40,11 +43,12 @@ std::vector<CommandRow> commandRows()
         {"a second rung equal to the first is sent again", {"/r2"}, {}, {{"RNFR r2", kRefused, 1}},
          [](IRemoteSession& s) { return s.rename("/r2", "/r2b"); }, 0, kOk, {"RNFR", "RNTO"},
          {"RNFR r2", "RNFR r2", "RNTO r2b"}},
-        {"rename climbs to the absolute path at the root", {"/a3/x"}, {},
-         {{"RNFR a3/x", kRefused, -1}, {"RNFR /a3/x", kRefused, 1}},
+        // The bare names would rename "/x" in the login folder; those rungs are never sent.
+        {"rename in a folder climbs to the absolute path and leaves a namesake at the root alone", {"/a3/x", "/x"},
+         {}, {{"RNFR a3/x", kRefused, -1}, {"RNFR /a3/x", kRefused, 1}},
          [](IRemoteSession& s) { return s.rename("/a3/x", "/a3/y"); }, 0, kOk,
          {"RNFR", "RNTO", "CWD", "LIST", "SIZE", "RETR"},
-         {"RNFR x", "RNFR a3/x", "RNFR a3/x", "RNFR /a3/x", "RNFR /a3/x", "RNTO /a3/y", "LIST"}, {"/a3/y"}},
+         {"RNFR a3/x", "RNFR a3/x", "RNFR /a3/x", "RNFR /a3/x", "RNTO /a3/y", "LIST"}, {"/a3/y", "/x"}, {"/y"}},
         {"the first rung's failure is reported when all fail", {}, {},
          {{"RNFR", kRefused, -1}, {"RNFR /gone", "CLOSE", -1}},
          [](IRemoteSession& s) { return s.rename("/gone", "/still-gone"); }, 1, kQuoteFailed, {"RNFR"},
@@ -52,21 +56,22 @@ std::vector<CommandRow> commandRows()
         {"names with blanks and dots go as they stand", {"/my file"}, {"/a17"}, {},
          [](IRemoteSession& s) { return s.rename("/my file", "/a17/../their file"); }, 0, kOk, {"RNFR", "RNTO"},
          {"RNFR my file", "RNTO their file"}, {"/their file"}},
-        // Rung 1 makes "b6" at the login folder, then fails to fetch its context "/a6" as a file.
-        {"mkdir runs a command before the request fails and again on the next rung", {}, {"/a6"}, {},
-         [](IRemoteSession& s) { return s.mkdir("/a6/b6"); }, 0, kOk, {"MKD", "SIZE"},
-         {"MKD b6", "SIZE a6", "MKD a6/b6"}, {"/b6", "/a6/b6"}},
+        {"mkdir in a folder makes nothing in the login folder", {}, {"/a6"}, {},
+         [](IRemoteSession& s) { return s.mkdir("/a6/b6"); }, 0, kOk, {"MKD", "SIZE"}, {"MKD a6/b6"}, {"/a6/b6"},
+         {"/b6"}},
         {"a top-level folder is made on the first rung", {}, {}, {},
          [](IRemoteSession& s) { return s.mkdir("/fresh7"); }, 0, kOk, {"MKD"}, {"MKD fresh7"}, {"/fresh7"}},
-        {"a file in a folder goes on the relative rung", {"/a9/b.txt"}, {}, {},
-         [](IRemoteSession& s) { return s.remove("/a9/b.txt"); }, 0, kOk, {"DELE", "RMD"},
-         {"DELE b.txt", "RMD b.txt", "DELE a9/b.txt"}, {}, {"/a9/b.txt"}},
-        {"a folder named with a slash is tried with RMD first", {}, {"/a10/b"}, {},
-         [](IRemoteSession& s) { return s.remove("/a10/b/"); }, 0, kOk, {"DELE", "RMD"},
-         {"RMD b", "DELE b", "RMD a10/b/"}, {}, {"/a10/b"}},
+        {"a file in a folder goes on the relative rung and its namesake at the root stays", {"/a9/b.txt", "/b.txt"},
+         {}, {}, [](IRemoteSession& s) { return s.remove("/a9/b.txt"); }, 0, kOk, {"DELE", "RMD"},
+         {"DELE a9/b.txt"}, {"/b.txt"}, {"/a9/b.txt"}},
+        {"a folder named with a slash is tried with RMD first", {}, {"/a10/b", "/b"}, {},
+         [](IRemoteSession& s) { return s.remove("/a10/b/"); }, 0, kOk, {"DELE", "RMD"}, {"RMD a10/b/"}, {"/b"},
+         {"/a10/b"}},
         {"a folder named without a slash goes after DELE", {}, {"/a11/b"}, {},
          [](IRemoteSession& s) { return s.remove("/a11/b"); }, 0, kOk, {"DELE", "RMD"},
-         {"DELE b", "RMD b", "DELE a11/b", "DELE a11/b", "RMD a11/b"}, {}, {"/a11/b"}},
+         {"DELE a11/b", "DELE a11/b", "RMD a11/b"}, {"/b"}, {"/a11/b"}},
+        {"a file at the root goes on the first rung", {}, {}, {}, [](IRemoteSession& s) { return s.remove("/b.txt"); },
+         0, kOk, {"DELE", "RMD"}, {"DELE b.txt"}, {}, {"/b.txt"}},
         {"an empty remove has no rung", {}, {}, {}, [](IRemoteSession& s) { return s.remove(""); }, 1,
          " operation failed: unknown delete failure", {}, {}},
         {"an empty mkdir has no rung", {}, {}, {}, [](IRemoteSession& s) { return s.mkdir(""); }, 1,
@@ -79,6 +84,12 @@ std::vector<CommandRow> commandRows()
          [](IRemoteSession& s) { return s.chmod("/x14", 420); }, 1, kQuoteFailed, {"SITE"}, {"SITE CHMOD 420 /x14"}},
         {"a negative mode is refused at home", {}, {}, {}, [](IRemoteSession& s) { return s.chmod("/x14", -1); }, 4,
          " chmod: invalid mode", {}, {}},
+        {"a login folder elsewhere leaves only the absolute rungs", {"/c15.txt"}, {}, {},
+         [](IRemoteSession& s) { return s.remove("/c15.txt"); }, 0, kOk, {"DELE", "RMD"}, {"DELE /c15.txt"}, {},
+         {"/c15.txt"}, "257 \"/home\" is the current directory."},
+        {"an unknown login folder leaves only the absolute rungs", {"/d16"}, {}, {},
+         [](IRemoteSession& s) { return s.rename("/d16", "/e16"); }, 0, kOk, {"RNFR", "RNTO"},
+         {"RNFR /d16", "RNTO /e16"}, {"/e16"}, {"/d16"}, "550 Not telling."},
     };
 }
 
@@ -94,6 +105,11 @@ TEST_P(FtpSession, RemoteCommandsClimbTheirLaddersOnTheWire)
             std::filesystem::create_directories(server().local(folder));
         }
         server().clearReplies();
+        if (!row.login.empty()) {
+            server().setReply("PWD", row.login);
+            ASSERT_TRUE(connect(server().password()).ok);
+            server().clearReplies();
+        }
         for (auto const& [command, reply, times] : row.replies) {
             server().setReply(command, reply, times);
         }

@@ -55,36 +55,57 @@ std::vector<std::string> rungs(CommandLadder const& ladder)
 
 using Rungs = std::vector<std::string>;
 
-TEST(CommandLadders, RenameTriesNameThenRelativeThenAbsoluteFormsWithoutDroppingRepeats)
+// The ladders as built for a login folder: "/" on most servers, a home folder on others, or
+// unknown ("") when the server would not say.
+TEST(CommandLadders, KeepOnlyTheRungsWhoseCommandsActOnTheTargetSeenFromTheLoginFolder)
 {
-    EXPECT_EQ(rungs(renameLadder("/a/x", "/c/y")),
-              (Rungs{"/a: RNFR x, RNTO y", ": RNFR a/x, RNTO c/y", "/: RNFR a/x, RNTO c/y", ": RNFR /a/x, RNTO /c/y",
-                     "/: RNFR /a/x, RNTO /c/y"}));
-    EXPECT_EQ(rungs(renameLadder("/x", "/y")), (Rungs{"/: RNFR x, RNTO y", ": RNFR x, RNTO y", "/: RNFR x, RNTO y",
-                                                      ": RNFR /x, RNTO /y", "/: RNFR /x, RNTO /y"}));
-    EXPECT_EQ(rungs(renameLadder("/", "/y")), (Rungs{": RNFR /, RNTO y", ": RNFR /, RNTO /y", "/: RNFR /, RNTO /y"}));
-    EXPECT_TRUE(renameLadder("", "").empty());
-    EXPECT_TRUE(renameLadder("/x", "").empty());
+    struct Row {
+        CommandLadder ladder;
+        Rungs expected;
+    };
+    std::vector<Row> const rows{
+        {renameLadder("/x", "/y", "/"), {"/: RNFR x, RNTO y", ": RNFR x, RNTO y", "/: RNFR x, RNTO y",
+                                         ": RNFR /x, RNTO /y", "/: RNFR /x, RNTO /y"}},
+        {renameLadder("/a/x", "/a/y", "/"),
+         {": RNFR a/x, RNTO a/y", "/: RNFR a/x, RNTO a/y", ": RNFR /a/x, RNTO /a/y", "/: RNFR /a/x, RNTO /a/y"}},
+        {renameLadder("/x", "/c/y", "/"), {": RNFR x, RNTO c/y", "/: RNFR x, RNTO c/y", ": RNFR /x, RNTO /c/y",
+                                           "/: RNFR /x, RNTO /c/y"}},
+        {renameLadder("/", "/y", "/"), {": RNFR /, RNTO y", ": RNFR /, RNTO /y", "/: RNFR /, RNTO /y"}},
+        {renameLadder("/my file", "/a/../their file", "/"),
+         {"/: RNFR my file, RNTO their file", ": RNFR my file, RNTO a/../their file",
+          "/: RNFR my file, RNTO a/../their file", ": RNFR /my file, RNTO /a/../their file",
+          "/: RNFR /my file, RNTO /a/../their file"}},
+        {renameLadder("/x", "", "/"), {}},
+        {removeLadder("/a/b.txt", "/"), {": DELE a/b.txt", "/: DELE a/b.txt", ": RMD a/b.txt", "/: RMD a/b.txt",
+                                         ": DELE /a/b.txt", "/: DELE /a/b.txt", ": RMD /a/b.txt", "/: RMD /a/b.txt"}},
+        {removeLadder("/a/b/", "/"), {": RMD a/b/", "/: RMD a/b/", ": DELE a/b/", "/: DELE a/b/", ": RMD /a/b/",
+                                      "/: RMD /a/b/", ": DELE /a/b/", "/: DELE /a/b/"}},
+        {removeLadder("/b.txt", "/"), {"/: DELE b.txt", "/: RMD b.txt", ": DELE /b.txt", "/: DELE /b.txt",
+                                       ": RMD /b.txt", "/: RMD /b.txt"}},
+        {removeLadder("/a/b.txt", ""), {": DELE /a/b.txt", "/: DELE /a/b.txt", ": RMD /a/b.txt", "/: RMD /a/b.txt"}},
+        {removeLadder("/home/u/b", "/home/u/"), {"/home/u: DELE b", "/home/u: RMD b", ": DELE /home/u/b",
+                                                 "/: DELE /home/u/b", ": RMD /home/u/b", "/: RMD /home/u/b"}},
+        {removeLadder("/b", "/home/u"), {": DELE /b", "/: DELE /b", ": RMD /b", "/: RMD /b"}},
+        {removeLadder("", "/"), {}},
+        {mkdirLadder("/a/b", "/"), {": MKD a/b", "/: MKD a/b", ": MKD /a/b", "/: MKD /a/b"}},
+        {mkdirLadder("/b", "/"), {"/: MKD b", ": MKD /b", "/: MKD /b"}},
+        {mkdirLadder("/b", ""), {": MKD /b", "/: MKD /b"}},
+        {mkdirLadder("", "/"), {}},
+    };
+    for (std::size_t index = 0; index < rows.size(); ++index) {
+        EXPECT_EQ(rungs(rows[index].ladder), rows[index].expected) << "row " << index;
+    }
 }
 
-TEST(CommandLadders, RemoveStartsWithRmdOnlyForASlashAndDropsRelativeRungsEqualToTheName)
+TEST(CommandLadders, ACommandLandsInTheLoginFolderUnlessItsPathIsAbsolute)
 {
-    EXPECT_EQ(rungs(removeLadder("/a/b/")),
-              (Rungs{"/a: RMD b", "/a: DELE b", ": RMD a/b/", "/: RMD a/b/", ": DELE a/b/", "/: DELE a/b/",
-                     ": RMD /a/b/", "/: RMD /a/b/", ": DELE /a/b/", "/: DELE /a/b/"}));
-    EXPECT_EQ(rungs(removeLadder("/a/b")),
-              (Rungs{"/a: DELE b", "/a: RMD b", ": DELE a/b", "/: DELE a/b", ": RMD a/b", "/: RMD a/b", ": DELE /a/b",
-                     "/: DELE /a/b", ": RMD /a/b", "/: RMD /a/b"}));
-    EXPECT_EQ(rungs(removeLadder("b.txt")), (Rungs{"/: DELE b.txt", "/: RMD b.txt", ": DELE /b.txt", "/: DELE /b.txt",
-                                                   ": RMD /b.txt", "/: RMD /b.txt"}));
-    EXPECT_TRUE(removeLadder("").empty());
-}
-
-TEST(CommandLadders, MkdirSkipsTheRelativeFormOfATopLevelName)
-{
-    EXPECT_EQ(rungs(mkdirLadder("/b")), (Rungs{"/: MKD b", ": MKD /b", "/: MKD /b"}));
-    EXPECT_EQ(rungs(mkdirLadder("/a/b")), (Rungs{"/a: MKD b", ": MKD a/b", "/: MKD a/b", ": MKD /a/b", "/: MKD /a/b"}));
-    EXPECT_TRUE(mkdirLadder("").empty());
+    expectEach(plainAbsolutePath, {{"", ""}, {"/", "/"}, {"a//./c/../b/", "/a/b"}, {"/../x", "/x"}, {"//x/", "/x"}});
+    EXPECT_EQ(commandLandingPath("b.txt", "/"), "/b.txt");
+    EXPECT_EQ(commandLandingPath("a/b/", "/home/u/"), "/home/u/a/b");
+    EXPECT_EQ(commandLandingPath("../b", "/home/u"), "/home/b");
+    EXPECT_EQ(commandLandingPath("/a/./b", ""), "/a/b");
+    EXPECT_EQ(commandLandingPath("b", ""), "") << "unknown login folder";
+    EXPECT_EQ(commandLandingPath("b", "C:/ftp"), "") << "a login folder that is not a path of this server's form";
 }
 
 } // namespace

@@ -164,6 +164,9 @@ private:
     bool hasEndpoint() const { return !host_.empty() && port_ > 0; }
 
     bool connected_ = false;
+    // The folder the server puts a login in, as its answer to PWD during the probe said; "" when
+    // unknown. Every handle logs in anew there, so the ladders read relative commands against it.
+    std::string loginFolder_;
     std::string host_;
     std::string username_;
     std::string password_;
@@ -201,6 +204,7 @@ SessionResult CurlSessionAdapter::connect(std::string const& host, int port, std
     port_ = port;
     username_ = username;
     password_ = password;
+    loginFolder_.clear();
     if (!hasEndpoint()) {
         connected_ = false;
         return failed(1, protocol_ + " connect: invalid endpoint");
@@ -225,9 +229,12 @@ SessionResult CurlSessionAdapter::connectProbe()
     }
     curl_easy_setopt(handle.get(), CURLOPT_NOBODY, 1L);
     CURLcode const result = curl_easy_perform(handle.get());
-    handle.reset();
     if (result != CURLE_OK) {
         return failed(1, protocol_ + " connect: " + curlText(result));
+    }
+    char* entryPath = nullptr;
+    if (curl_easy_getinfo(handle.get(), CURLINFO_FTP_ENTRY_PATH, &entryPath) == CURLE_OK && entryPath != nullptr) {
+        loginFolder_ = entryPath;
     }
     return succeeded(protocol_ + " connect");
 }
@@ -396,7 +403,8 @@ SessionResult CurlSessionAdapter::rename(std::string const& from, std::string co
     if (!detail::isFtpFamily(protocol_)) {
         return performCommand(from, {"RNFR " + from, "RNTO " + to});
     }
-    return climb(detail::renameLadder(from, to), failed(1, protocol_ + " rename failed: unknown rename failure"));
+    return climb(detail::renameLadder(from, to, loginFolder_),
+                 failed(1, protocol_ + " rename failed: unknown rename failure"));
 }
 
 SessionResult CurlSessionAdapter::remove(std::string const& path)
@@ -407,7 +415,8 @@ SessionResult CurlSessionAdapter::remove(std::string const& path)
     if (!detail::isFtpFamily(protocol_)) {
         return performCommand(path, {"DELE " + path});
     }
-    return climb(detail::removeLadder(path), failed(1, protocol_ + " operation failed: unknown delete failure"));
+    return climb(detail::removeLadder(path, loginFolder_),
+                 failed(1, protocol_ + " operation failed: unknown delete failure"));
 }
 
 SessionResult CurlSessionAdapter::mkdir(std::string const& path)
@@ -418,7 +427,8 @@ SessionResult CurlSessionAdapter::mkdir(std::string const& path)
     if (!detail::isFtpFamily(protocol_)) {
         return performCommand(path, {"MKD " + path});
     }
-    return climb(detail::mkdirLadder(path), failed(1, protocol_ + " operation failed: unknown mkdir failure"));
+    return climb(detail::mkdirLadder(path, loginFolder_),
+                 failed(1, protocol_ + " operation failed: unknown mkdir failure"));
 }
 
 // The mode goes out in decimal as it came: the digits the server sees are those of the number.

@@ -1,6 +1,8 @@
 #include "protocol/curl/remote_paths.hpp"
 
+#include <algorithm>
 #include <filesystem>
+#include <vector>
 
 namespace perchftp::protocol::curl::detail {
 
@@ -97,6 +99,46 @@ std::string commandTargetName(std::string const& path)
         return normalized;
     }
     return name;
+}
+
+std::string plainAbsolutePath(std::string const& path)
+{
+    if (path.empty()) {
+        return {};
+    }
+    std::vector<std::string> names;
+    std::size_t start = 0;
+    while (start <= path.size()) {
+        std::size_t const end = std::min(path.find('/', start), path.size());
+        std::string const name = path.substr(start, end - start);
+        if (name == "..") {
+            if (!names.empty()) {
+                names.pop_back();
+            }
+        } else if (!name.empty() && name != ".") {
+            names.push_back(name);
+        }
+        start = end + 1;
+    }
+    std::string plain;
+    for (std::string const& name : names) {
+        plain += '/' + name;
+    }
+    return plain.empty() ? "/" : plain;
+}
+
+std::string commandLandingPath(std::string const& argument, std::string const& loginFolder)
+{
+    if (argument.empty()) {
+        return {};
+    }
+    if (argument.front() == '/') {
+        return plainAbsolutePath(argument);
+    }
+    if (loginFolder.empty() || loginFolder.front() != '/') {
+        return {};
+    }
+    return plainAbsolutePath(loginFolder + '/' + argument);
 }
 
 } // namespace perchftp::protocol::curl::detail

@@ -29,4 +29,13 @@ std::string commandContextPath(std::string const& path);
 // The target's last name ("b" for "/a/b/"); "/" and "" come back as they are.
 std::string commandTargetName(std::string const& path);
 
+// The plain absolute form of a path, as a server resolves it: empty names and "." dropped, ".."
+// taking back one name (never above "/"), no trailing "/". "/a/b" for "a//./c/../b/"; "" stays "".
+std::string plainAbsolutePath(std::string const& path);
+
+// The path an FTP command's argument acts on when it is sent straight after login, before any
+// change of folder: a relative argument is read in the login folder. Empty when that can't be
+// known, for a relative argument while the login folder is unknown or not an absolute path.
+std::string commandLandingPath(std::string const& argument, std::string const& loginFolder);
+
 } // namespace perchftp::protocol::curl::detail

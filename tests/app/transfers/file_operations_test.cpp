@@ -199,14 +199,16 @@ TEST_F(FileOperations, RemoteItemsAreCreatedRenamedAndDeletedWithTheirTreesUntil
     EXPECT_FALSE(remoteExists("/incoming/b.txt"));
     EXPECT_EQ(popupMessage(), "Deleted remote item b.txt.");
 
+    // "/a.txt" and "/empty" share the names of items in the tree, and the server's login folder is "/".
     for (std::string const path : {"/tree/a.txt", "/tree/sub/b.txt", "/tree/sub/deeper/c.txt", "/tree/empty/",
-                                   "/other.txt", "/dir/x.txt"}) {
+                                   "/other.txt", "/dir/x.txt", "/a.txt", "/empty/"}) {
         putRemote(path, "x");
     }
     dialogs().expectAlertButton(kConfirm);
     controller().deletePanePath(QStringLiteral("/tree"), true, true);
     EXPECT_FALSE(remoteExists("/tree"));
     EXPECT_EQ(popupMessage(), "Deleted remote item tree.");
+    EXPECT_TRUE(remoteExists("/a.txt") && remoteExists("/empty")) << "nothing outside the tree is removed";
     dialogs().expectAlertButton(kConfirm);
     controller().deleteSelectedItems({item("/other.txt"), item("/dir", true)}, true);
     EXPECT_FALSE(remoteExists("/other.txt"));
