@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
 # Packages the current build as `cpack -G DEB` does, into a temporary folder, and holds the .deb
 # to Debian's checker: lintian must find no error and no warning. Its informational tags (I:) are
-# printed for the reader and do not fail the test: lintian itself hides them by default, and the
-# one left (hardening-no-fortify-functions) comes from how the whole tree is compiled, not from the
-# package. Pedantic tags (P:) are not asked for: lintian rates them as opinions it may get wrong.
+# printed for the reader and do not fail the test: lintian itself hides them by default. Pedantic
+# tags (P:) are not asked for: lintian rates them as opinions it may get wrong.
 # Usage: package_test.sh <build folder> <project version> <source folder>
 set -euo pipefail
 build=$1
