@@ -46,7 +46,7 @@ private:
 // ("Connecting..." until set), the message ("Preparing session..." until set) and a bar.
 //
 // With a parent it floats inside the parent's window, raised above the content and kept
-// centred, so that a repaint() puts it on screen at once: the workflows block the main thread
+// centred, so that painting it at once puts it on screen: the workflows block the main thread
 // right after opening it, and a separate top-level window would not be mapped before the event
 // loop runs again. Without a parent it is a window of its own.
 QWidget* createConnectionPopupWindow(QIcon const& icon, QString const& title, QWidget* parent);
