@@ -86,8 +86,15 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+# The shell reaches the Wayland display through Qt's platform interface, which is not held
+# stable across Qt releases: the package asks for the Qt it was built with.
+find_package(Qt6 QUIET COMPONENTS Gui)
+set(PERCHFTP_QT_ABI "")
+if(PERCHFTP_BUILD_SHELL AND Qt6Gui_VERSION)
+  set(PERCHFTP_QT_ABI "qt6-base-abi (= ${Qt6Gui_VERSION}), ")
+endif()
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "libqt6widgets6 (>= 6.4), libqt6gui6 (>= 6.4), libqt6core6 (>= 6.4), libqt6svg6 (>= 6.4), qt6-qpa-plugins, libxcb1, libcurl4 (>= 7.88), libsqlite3-0 (>= 3.40), libc6, libstdc++6")
+    "libqt6widgets6 (>= 6.4), libqt6gui6 (>= 6.4), libqt6core6 (>= 6.4), libqt6svg6 (>= 6.4), ${PERCHFTP_QT_ABI}qt6-qpa-plugins, libxcb1, libwayland-client0, libcurl4 (>= 7.88), libsqlite3-0 (>= 3.40), libc6, libstdc++6")
 # qt6-wayland lets the program run natively on a Wayland session instead of through XWayland.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, zenity | kdialog, fonts-noto-color-emoji")
 include(CPack)

@@ -6,18 +6,33 @@
 #include <QRegion>
 #include <QWidget>
 #include <QtGui/qguiapplication_platform.h>
+#include <qpa/qplatformnativeinterface.h>
 
+#include <wayland-client-core.h>
 #include <xcb/xcb.h>
 
 namespace perchftp::app {
 
 namespace {
 
+// Both connections keep requests in a buffer that only the event loop empties.
 void sendPaintingToDisplay()
 {
-    auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    if (!qGuiApp) {
+        return;
+    }
+    auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     if (xcb_connection_t* connection = x11 ? x11->connection() : nullptr) {
         xcb_flush(connection);
+        return;
+    }
+    // Qt 6.4 names the Wayland display only through its platform interface.
+    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
+        QPlatformNativeInterface* native = QGuiApplication::platformNativeInterface();
+        auto* display = native ? static_cast<wl_display*>(native->nativeResourceForIntegration("wl_display")) : nullptr;
+        if (display) {
+            wl_display_flush(display);
+        }
     }
 }
 

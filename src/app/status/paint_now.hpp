@@ -12,8 +12,8 @@ namespace perchftp::app {
 // For the moments before a call that blocks the main thread. On a real X server, repaint() of a
 // panel just shown over the window's content left the parts above the file panes unpainted
 // until the event loop ran again; rendering the area straight into the backing store does not
-// depend on the repaint bookkeeping. The X connection is flushed too, since its requests would
-// otherwise wait in its buffer. No event is processed here.
+// depend on the repaint bookkeeping. The X or Wayland connection is flushed too, since its
+// requests would otherwise wait in its buffer. No event is processed here.
 void paintWindowAreaNow(QWidget* window, QRect const& area);
 
 } // namespace perchftp::app
