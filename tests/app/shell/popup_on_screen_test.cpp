@@ -7,11 +7,10 @@
 #include "support/qt_printers.hpp"
 #include "support/servers/ftp_test_server.hpp"
 #include "support/started_shell.hpp"
+#include "support/weston_screen.hpp"
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QDebug>
 #include <QLabel>
 #include <QMainWindow>
 #include <QPushButton>
@@ -20,7 +19,6 @@
 #include <xcb/xcb.h>
 
 #include <chrono>
-#include <filesystem>
 #include <cstdlib>
 #include <memory>
 #include <thread>
@@ -55,29 +53,9 @@ QImage photographXScreen()
     return QImage(xcb_get_image_data(reply.get()), width, height, width * 4, QImage::Format_RGB32).copy();
 }
 
-// The whole screen of the weston that run_under_weston.sh started, as its screenshooter saves it.
-QImage photographWestonScreen()
-{
-    char const* runtime = std::getenv("PERCHFTP_WESTON_RUNTIME");
-    if (!runtime) {
-        return {};
-    }
-    std::filesystem::path const shots = std::filesystem::path(runtime) / "shots";
-    std::filesystem::create_directories(shots);
-    std::string const command = "cd '" + shots.string() + "' && XDG_RUNTIME_DIR='" + runtime
-        + "' WAYLAND_DISPLAY=perchftp-test /usr/bin/weston-screenshooter >/dev/null 2>&1";
-    QImage shot;
-    if (std::system(command.c_str()) == 0) {
-        for (auto const& entry : std::filesystem::directory_iterator(shots)) {
-            shot.load(QString::fromStdString(entry.path().string()));
-        }
-    }
-    return shot.convertToFormat(QImage::Format_RGB32);
-}
-
 QImage photographScreen()
 {
-    return QGuiApplication::platformName() == QLatin1String("xcb") ? photographXScreen() : photographWestonScreen();
+    return QGuiApplication::platformName() == QLatin1String("xcb") ? photographXScreen() : westonScreen();
 }
 
 // Where the window's own top-left corner stands on the screen. A Wayland client is not told its
@@ -90,7 +68,7 @@ QPoint windowOrigin(QImage const& screen, QWidget* window)
     QRect frame;
     for (int y = 0; y < screen.height(); ++y) {
         for (int x = 0; x < screen.width(); ++x) {
-            if ((screen.pixel(x, y) & 0xffffffu) != 0x00ff00u) {
+            if ((screen.pixel(x, y) & 0xffffffu) != kWestonDesktop) {
                 frame |= QRect(x, y, 1, 1);
             }
         }
@@ -151,7 +129,6 @@ TEST_F(PopupOnScreen, APopupIsOnScreenWithItsWordsWhileAListingStalls)
         screen = photographScreen();
         server.kill();
     });
-    for (QWidget* w : QApplication::allWidgets()) if (w->internalWinId() && !w->isWindow()) qWarning() << "native" << w << w->parentWidget();
     controller().refreshSession();
     photographer.join();
     ASSERT_FALSE(screen.isNull()) << "no picture of a 24-bit screen";

@@ -1,8 +1,9 @@
-// The real program on a Wayland session of its own: a headless weston in a temporary runtime
-// folder, the program started there as a desktop would start it (no X display, no platform
-// forced), and what the compositor shows read back from the compositor's own screenshots.
+// The real program on a Wayland session of its own: run under a headless weston
+// (tests/support/run_under_weston.sh), the program started there as a desktop would start it (no
+// X display, no platform forced), and what the compositor shows read back from its screenshots.
 #include "support/servers/child_process.hpp"
 #include "support/temp_dir.hpp"
+#include "support/weston_screen.hpp"
 
 #include <gtest/gtest.h>
 
@@ -23,12 +24,9 @@ namespace {
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
-char const* const kSocket = "perchftp-test";
-QSize const kOutput(1600, 1000);
+QSize const kOutput(kWestonWidth, kWestonHeight);
 QSize const kSplash(420, 240);
 QSize const kMainWindowMinimum(840, 520);
-// The desktop's background colour, set in weston.ini below; there is no panel.
-QRgb const kBackground = qRgb(0, 255, 0);
 
 // The smallest rectangle holding every pixel that is not the desktop's background.
 QRect contentOf(QImage const& shot)
@@ -37,7 +35,7 @@ QRect contentOf(QImage const& shot)
     for (int y = 0; y < shot.height(); ++y) {
         QRgb const* line = reinterpret_cast<QRgb const*>(shot.constScanLine(y));
         for (int x = 0; x < shot.width(); ++x) {
-            if ((line[x] & 0xffffffu) != (kBackground & 0xffffffu)) {
+            if ((line[x] & 0xffffffu) != kWestonDesktop) {
                 content |= QRect(x, y, 1, 1);
             }
         }
@@ -73,10 +71,10 @@ class WaylandSession : public testing::Test {
 protected:
     void SetUp() override
     {
-        if (!fs::exists("/usr/bin/weston") || !fs::exists("/usr/bin/weston-screenshooter")) {
-            GTEST_FAIL() << "weston is not installed: run scripts/install-deps";
+        if (!onTestWeston()) {
+            GTEST_FAIL() << "run it under tests/support/run_under_weston.sh, as CTest does";
         }
-        for (char const* folder : {"home", "data", "config/PerchFtp", "runtime", "shots"}) {
+        for (char const* folder : {"home", "data", "config/PerchFtp", "runtime"}) {
             fs::create_directories(root_.path() / folder);
         }
         fs::permissions(root_.path() / "runtime", fs::perms::owner_all, fs::perm_options::replace);
@@ -88,44 +86,18 @@ protected:
         ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "http://127.0.0.1:9/api/install-events.php", 1);
         // A Wayland session as a desktop hands it to its programs: Qt picks its platform from it.
         ::setenv("XDG_SESSION_TYPE", "wayland", 1);
-        ::setenv("WAYLAND_DISPLAY", kSocket, 1);
         for (char const* variable : {"DISPLAY", "QT_QPA_PLATFORM", "XDG_CURRENT_DESKTOP", "XDG_SESSION_DESKTOP"}) {
             ::unsetenv(variable);
         }
         writeFile(root_.path() / "config/PerchFtp/PerchFtp.conf", "[General]\nLicenceAccepted=true\n");
-        writeFile(root_.path() / "weston.ini",
-            "[core]\nidle-time=0\n[shell]\nbackground-color=0xff00ff00\npanel-position=none\nlocking=false\n");
-
-        // --debug lets weston-screenshooter read the screen; the pixman renderer draws it in memory.
-        std::vector<std::string> const weston{"/usr/bin/weston", "--backend=headless-backend.so",
-            std::string("--socket=") + kSocket, "--config=" + root_.file("weston.ini"), "--use-pixman", "--debug",
-            "--width=" + std::to_string(kOutput.width()), "--height=" + std::to_string(kOutput.height())};
-        weston_ = std::make_unique<ChildProcess>(weston, westonLog());
-        waitUntil(*weston_, westonLog(), "weston", [&] { return fs::exists(root_.path() / "runtime" / kSocket); });
         ASSERT_TRUE(waitFor([&] { return contentOf(screenshot()).isEmpty(); }, 20s))
-            << "weston never showed its empty desktop:\n" << readFile(westonLog());
+            << "weston never showed its empty desktop";
     }
 
-    fs::path westonLog() const { return root_.path() / "weston.log"; }
     fs::path programLog() const { return root_.path() / "perchftp.log"; }
-
-    // What the compositor shows now; a null image when it could not be taken.
-    QImage screenshot()
-    {
-        fs::path const shots = root_.path() / "shots";
-        if (!runCommand("cd '" + shots.string() + "' && /usr/bin/weston-screenshooter >/dev/null 2>&1")) {
-            return {};
-        }
-        QImage shot;
-        for (auto const& entry : fs::directory_iterator(shots)) {
-            shot.load(QString::fromStdString(entry.path().string()));
-            fs::remove(entry.path());
-        }
-        return shot.convertToFormat(QImage::Format_RGB32);
-    }
+    static QImage screenshot() { return westonScreen(); }
 
     TempDir root_;
-    std::unique_ptr<ChildProcess> weston_;
 };
 
 TEST_F(WaylandSession, TheProgramRunsNativelyWithItsSplashCentredOnTheScreenThenStaysUpWithItsMainWindow)

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs a test program on a headless Wayland compositor of its own: weston with the pixman
 # renderer, a plain green desktop and no panel, in a temporary runtime folder. --debug lets the
-# program read the screen with weston-screenshooter; PERCHFTP_WESTON_RUNTIME tells it where.
+# program read the screen with weston-screenshooter; PERCHFTP_WESTON_RUNTIME tells it where
+# (tests/support/weston_screen.hpp).
 # Usage: run_under_weston.sh <program> [arguments...]
 set -euo pipefail
 work=$(mktemp -d)
