@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QRect>
 #include <QString>
 
 #include <cstdlib>
@@ -18,6 +19,22 @@ inline constexpr int kWestonHeight = 1200;
 inline bool onTestWeston()
 {
     return std::getenv("PERCHFTP_WESTON_RUNTIME") != nullptr;
+}
+
+// The smallest rectangle of a picture of that weston holding every pixel that is not the desktop.
+inline QRect westonContent(QImage const& shot)
+{
+    QImage const pixels = shot.convertToFormat(QImage::Format_RGB32);
+    QRect content;
+    for (int y = 0; y < pixels.height(); ++y) {
+        QRgb const* line = reinterpret_cast<QRgb const*>(pixels.constScanLine(y));
+        for (int x = 0; x < pixels.width(); ++x) {
+            if ((line[x] & 0xffffffu) != kWestonDesktop) {
+                content |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return content;
 }
 
 // What that weston shows now, as its screenshooter saves it; null when it could not be taken.

@@ -3,6 +3,7 @@
 // from another thread, over an X connection of its own or by the compositor, the way a user's
 // eyes would see it, since the main thread can't look while it waits.
 #include "app/status/connect_button.hpp"
+#include "support/screen_agreement.hpp"
 #include "support/ftp_connection_form.hpp"
 #include "support/qt_printers.hpp"
 #include "support/servers/ftp_test_server.hpp"
@@ -65,36 +66,8 @@ QPoint windowOrigin(QImage const& screen, QWidget* window)
     if (QGuiApplication::platformName() == QLatin1String("xcb")) {
         return window->mapToGlobal(QPoint());
     }
-    QRect frame;
-    for (int y = 0; y < screen.height(); ++y) {
-        for (int x = 0; x < screen.width(); ++x) {
-            if ((screen.pixel(x, y) & 0xffffffu) != kWestonDesktop) {
-                frame |= QRect(x, y, 1, 1);
-            }
-        }
-    }
     QMargins const decorations = window->windowHandle()->frameMargins();
-    return frame.topLeft() + QPoint(decorations.left(), decorations.top());
-}
-
-// The part of the screen picture where the label stands, against a fresh rendering of its window
-// there: the share of pixels that agree.
-double agreement(QImage const& screen, QLabel* label)
-{
-    QWidget* window = label->window();
-    QRect const inWindow(label->mapTo(window, QPoint()), label->size());
-    QImage const shown = screen.copy(inWindow.translated(windowOrigin(screen, window)));
-    QImage const expected = window->grab(inWindow).toImage().convertToFormat(QImage::Format_RGB32);
-    if (shown.size() != expected.size() || shown.isNull()) {
-        return 0;
-    }
-    qsizetype same = 0;
-    for (int y = 0; y < shown.height(); ++y) {
-        for (int x = 0; x < shown.width(); ++x) {
-            same += shown.pixel(x, y) == expected.pixel(x, y) ? 1 : 0;
-        }
-    }
-    return static_cast<double>(same) / static_cast<double>(shown.width() * shown.height());
+    return westonContent(screen).topLeft() + QPoint(decorations.left(), decorations.top());
 }
 
 class PopupOnScreen : public StartedShellTest {};
@@ -145,8 +118,9 @@ TEST_F(PopupOnScreen, APopupIsOnScreenWithItsWordsWhileAListingStalls)
     ASSERT_NE(title, nullptr);
     EXPECT_EQ(title->text(), "Refreshing");
     message->setText(QStringLiteral("Refreshing local and remote panes..."));
-    EXPECT_GT(agreement(screen, title), 0.99);
-    EXPECT_GT(agreement(screen, message), 0.99);
+    QPoint const origin = windowOrigin(screen, host);
+    EXPECT_GT(shareDrawnAsRendered(screen, origin, title), 0.99);
+    EXPECT_GT(shareDrawnAsRendered(screen, origin, message), 0.99);
 }
 
 } // namespace

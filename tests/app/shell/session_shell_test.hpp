@@ -6,6 +6,7 @@
 #include "protocol/curl/curl_protocol.hpp"
 #include "protocol/protocol_factory.hpp"
 #include "support/qt_printers.hpp"
+#include "support/screen_agreement.hpp"
 #include "support/started_shell.hpp"
 
 #include <QAction>
@@ -105,13 +106,8 @@ private:
     static bool drawnAsWorded(QLabel* label)
     {
         QWidget* window = label->window();
-        QRect const area(label->mapTo(window, QPoint()), label->size());
-        QPoint const onScreen = window->mapToGlobal(area.topLeft());
-        QImage const shown = window->screen()
-                                 ->grabWindow(0, onScreen.x(), onScreen.y(), area.width(), area.height())
-                                 .toImage()
-                                 .convertToFormat(QImage::Format_RGB32);
-        return label->isVisible() && shown == window->grab(area).toImage().convertToFormat(QImage::Format_RGB32);
+        QImage const screen = window->screen()->grabWindow(0).toImage();
+        return label->isVisible() && shareDrawnAsRendered(screen, window->mapToGlobal(QPoint()), label) == 1.0;
     }
     static void append(QStringList& texts, QString const& text, QString const& baseline)
     {

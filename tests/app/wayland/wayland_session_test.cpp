@@ -28,21 +28,6 @@ QSize const kOutput(kWestonWidth, kWestonHeight);
 QSize const kSplash(420, 240);
 QSize const kMainWindowMinimum(840, 520);
 
-// The smallest rectangle holding every pixel that is not the desktop's background.
-QRect contentOf(QImage const& shot)
-{
-    QRect content;
-    for (int y = 0; y < shot.height(); ++y) {
-        QRgb const* line = reinterpret_cast<QRgb const*>(shot.constScanLine(y));
-        for (int x = 0; x < shot.width(); ++x) {
-            if ((line[x] & 0xffffffu) != kWestonDesktop) {
-                content |= QRect(x, y, 1, 1);
-            }
-        }
-    }
-    return content;
-}
-
 std::string describe(QRect const& rect)
 {
     std::ostringstream out;
@@ -90,7 +75,7 @@ protected:
             ::unsetenv(variable);
         }
         writeFile(root_.path() / "config/PerchFtp/PerchFtp.conf", "[General]\nLicenceAccepted=true\n");
-        ASSERT_TRUE(waitFor([&] { return contentOf(screenshot()).isEmpty(); }, 20s))
+        ASSERT_TRUE(waitFor([&] { return westonContent(screenshot()).isEmpty(); }, 20s))
             << "weston never showed its empty desktop";
     }
 
@@ -110,7 +95,7 @@ TEST_F(WaylandSession, TheProgramRunsNativelyWithItsSplashCentredOnTheScreenThen
     QRect seen;
     ASSERT_TRUE(waitFor(
         [&] {
-            seen = contentOf(screenshot());
+            seen = westonContent(screenshot());
             if (near(seen.size(), kSplash)) {
                 splash = seen;
             }
@@ -126,7 +111,7 @@ TEST_F(WaylandSession, TheProgramRunsNativelyWithItsSplashCentredOnTheScreenThen
 
     ASSERT_TRUE(waitFor(
         [&] {
-            seen = contentOf(screenshot());
+            seen = westonContent(screenshot());
             return (seen.width() >= kMainWindowMinimum.width() && seen.height() >= kMainWindowMinimum.height())
                 || !program.running();
         },
@@ -134,7 +119,7 @@ TEST_F(WaylandSession, TheProgramRunsNativelyWithItsSplashCentredOnTheScreenThen
         << "the main window never appeared; last seen " << describe(seen) << "\n" << readFile(programLog());
     std::this_thread::sleep_for(1s);
     ASSERT_TRUE(program.running()) << readFile(programLog());
-    QRect const window = contentOf(screenshot());
+    QRect const window = westonContent(screenshot());
     EXPECT_GE(window.width(), kMainWindowMinimum.width()) << describe(window);
     EXPECT_GE(window.height(), kMainWindowMinimum.height()) << describe(window);
 }
