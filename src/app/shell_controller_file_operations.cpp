@@ -240,44 +240,10 @@ protocol::SessionResult PerchFtpShellController::removeRemoteItem(std::string co
     return {false, 5, "recursive remote delete failed"};
 }
 
-// Depth first, contents before the folder, stopping at the first failure. A listed name that
-// could lead out of the folder (a link's "../elsewhere", ".", "..") is a failure, never a path.
 bool PerchFtpShellController::deleteRemotePathRecursive(std::string const& path)
 {
-    if (!isConnected()) {
-        return false;
-    }
-    std::vector<protocol::RemoteEntry> entries;
-    protocol::SessionResult const listed = session_->list(path, entries);
-    if (!listed.ok) {
-        logMessage("Remote recursive delete list failed: " + listed.message);
-        return false;
-    }
-    for (protocol::RemoteEntry const& entry : entries) {
-        if (!detail::isPlainEntryName(entry.name)) {
-            logMessage("Remote recursive delete stopped at a name that is not inside the folder: " + entry.name);
-            return false;
-        }
-        std::string const child = detail::joinRemotePath(path, entry.name);
-        if (entry.isDirectory) {
-            if (!deleteRemotePathRecursive(child)) {
-                return false;
-            }
-            continue;
-        }
-        protocol::SessionResult const removed = session_->remove(child);
-        if (!removed.ok) {
-            logMessage("Remote nested file delete failed: " + removed.message);
-            return false;
-        }
-    }
-    // The trailing "/" makes the session try the folder command first.
-    protocol::SessionResult const removed = session_->remove(path + "/");
-    if (!removed.ok) {
-        logMessage("Remote folder delete failed: " + removed.message);
-        return false;
-    }
-    return true;
+    return isConnected()
+        && protocol::deleteRemoteTree(*session_, path, [this](std::string const& line) { logMessage(line); });
 }
 
 } // namespace perchftp::app

@@ -6,22 +6,6 @@
 
 namespace perchftp::app::detail {
 
-std::string joinRemotePath(std::string const& base, std::string const& leaf)
-{
-    if (base.empty() || base == "/") {
-        return "/" + leaf;
-    }
-    if (base.back() == '/') {
-        return base + leaf;
-    }
-    return base + "/" + leaf;
-}
-
-bool isPlainEntryName(std::string const& name)
-{
-    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
-}
-
 bool messageLooksLikeAlreadyExists(std::string const& message)
 {
     std::string lowered = message;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "protocol/remote_tree.hpp"
+
 #include <QString>
 
 #include <string>
@@ -8,12 +10,8 @@
 // or the server.
 namespace perchftp::app::detail {
 
-// A remote folder and a name joined by exactly one "/": an empty base or "/" gives "/" + leaf.
-std::string joinRemotePath(std::string const& base, std::string const& leaf);
-
-// Whether a listed name names an entry of its own folder and nothing else: not empty, not "."
-// or "..", and without a "/". A symbolic link's line can yield its target ("../elsewhere").
-bool isPlainEntryName(std::string const& name);
+using protocol::isPlainEntryName;
+using protocol::joinRemotePath;
 
 // Whether a failed mkdir reads as "the folder is already there". Deliberately wide: any message
 // that holds "exist", in any case, passes, also one saying that something does not exist.

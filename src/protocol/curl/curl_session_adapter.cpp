@@ -3,6 +3,7 @@
 #include "protocol/curl/command_ladders.hpp"
 #include "protocol/curl/curl_handles.hpp"
 #include "protocol/curl/listing_parser.hpp"
+#include "protocol/curl/orderly_close.hpp"
 #include "protocol/curl/remote_paths.hpp"
 #include "protocol/protocol_factory.hpp"
 
@@ -193,6 +194,7 @@ EasyHandle CurlSessionAdapter::makeHandle(std::string const& path) const
     }
     if (protocol_ == "ftps") {
         curl_easy_setopt(curl, CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_ALL));
+        curl_easy_setopt(curl, CURLOPT_CLOSESOCKETFUNCTION, detail::closeSocketInOrder);
     }
     return handle;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/servers/child_process.hpp"
+#include "support/servers/system_test_user.hpp"
 
 #include <filesystem>
 #include <memory>
@@ -22,23 +23,19 @@ public:
     SshdTestServer& operator=(SshdTestServer const&) = delete;
 
     int port() const { return port_; }
-    std::string const& user() const { return user_; }
-    std::string const& password() const { return password_; }
+    std::string const& user() const { return user_->name(); }
+    std::string const& password() const { return user_->password(); }
     // The user's home folder, empty at start; SFTP paths are absolute, so tests use it as prefix.
-    std::filesystem::path const& home() const { return home_; }
+    std::filesystem::path const& home() const { return user_->home(); }
     // The user's private key, for OpenSSH's own client.
     std::filesystem::path privateKey() const { return folder_ / "client_key"; }
 
 private:
-    void createUser();
-    void writeConfiguration();
+    void writeKeysAndConfiguration();
     void release();
 
     std::filesystem::path folder_;
-    std::filesystem::path home_;
-    std::string user_;
-    std::string password_ = "sftp-Secret-42";
-    bool userCreated_ = false;
+    std::unique_ptr<SystemTestUser> user_;
     int port_ = 0;
     std::unique_ptr<ChildProcess> process_;
 };

@@ -1,0 +1,173 @@
+#include "walk_servers.hpp"
+
+#include "support/servers/ftp_test_server.hpp"
+#include "support/servers/sshd_test_server.hpp"
+#include "support/servers/test_certificates.hpp"
+#include "support/servers/vsftpd_test_server.hpp"
+#include "support/temp_dir.hpp"
+
+#include <cerrno>
+#include <cstdlib>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace perchftp::test {
+
+namespace {
+
+void giveTo(std::filesystem::path const& path, uid_t owner, gid_t group)
+{
+    if (::lchown(path.c_str(), owner, group) != 0) {
+        throw std::filesystem::filesystem_error("lchown", path, std::error_code(errno, std::generic_category()));
+    }
+}
+
+std::unique_ptr<WalkServer> describe(std::string label, std::string protocol, std::shared_ptr<void> running)
+{
+    auto server = std::make_unique<WalkServer>();
+    server->label = std::move(label);
+    server->protocol = std::move(protocol);
+    server->running = std::move(running);
+    return server;
+}
+
+template <typename Server>
+void logInAs(WalkServer& walkServer, Server const& server, std::string base, std::filesystem::path disk)
+{
+    walkServer.port = server.port();
+    walkServer.user = server.user();
+    walkServer.password = server.password();
+    walkServer.base = std::move(base);
+    walkServer.disk = std::move(disk);
+}
+
+// "label|protocol|port|user|password|base|disk", as scripts/server-table writes it.
+std::string fromEnvironment(std::unique_ptr<WalkServer>& server)
+{
+    char const* description = std::getenv("PERCHFTP_WALK_SERVER");
+    if (!description || !*description) {
+        return "runs only for a server that scripts/server-table --unpacked started";
+    }
+    std::vector<std::string> fields;
+    std::stringstream stream(description);
+    for (std::string field; std::getline(stream, field, '|');) {
+        fields.push_back(field);
+    }
+    if (fields.size() != 7) {
+        return "needs PERCHFTP_WALK_SERVER as label|protocol|port|user|password|base|disk";
+    }
+    server = describe(fields[0], fields[1], nullptr);
+    server->port = std::stoi(fields[2]);
+    server->user = fields[3];
+    server->password = fields[4];
+    server->base = fields[5];
+    server->disk = fields[6];
+    return {};
+}
+
+std::string start(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
+{
+    switch (kind) {
+    case WalkServerKind::Scripted: {
+        auto running = std::make_shared<FtpTestServer>();
+        server = describe("scripted test server (pyftpdlib)", "ftp", running);
+        logInAs(*server, *running, "/", running->root());
+        return {};
+    }
+    case WalkServerKind::Vsftpd: {
+        if (std::string const reason = VsftpdTestServer::whyUnavailable(); !reason.empty()) {
+            return reason;
+        }
+        auto running = std::make_shared<VsftpdTestServer>();
+        server = describe("vsftpd", "ftp", running);
+        logInAs(*server, *running, "/", running->home());
+        return {};
+    }
+    case WalkServerKind::VsftpdTls: {
+        if (std::string const reason = VsftpdTestServer::whyUnavailable(); !reason.empty()) {
+            return reason;
+        }
+        auto certificates = std::make_shared<TestCertificates>();
+        if (std::string const reason = trustInPrivateMountNamespace(certificates->authorityCertificate());
+            !reason.empty()) {
+            return reason;
+        }
+        VsftpdTestServer::Tls const tls{certificates->serverCertificate(), certificates->serverKey()};
+        auto running = std::make_shared<VsftpdTestServer>(&tls);
+        server = describe("vsftpd, implicit TLS, require_ssl_reuse", "ftps",
+                          std::make_shared<std::pair<decltype(certificates), decltype(running)>>(certificates, running));
+        logInAs(*server, *running, "/", running->home());
+        return {};
+    }
+    case WalkServerKind::OpenSsh: {
+        if (std::string const reason = SshdTestServer::whyUnavailable(); !reason.empty()) {
+            return reason;
+        }
+        auto running = std::make_shared<SshdTestServer>();
+        server = describe("OpenSSH", "sftp", running);
+        logInAs(*server, *running, running->home().string() + "/", running->home());
+        return {};
+    }
+    case WalkServerKind::FromEnvironment:
+        return fromEnvironment(server);
+    }
+    return "is not a kind of server";
+}
+
+} // namespace
+
+std::string toString(WalkServerKind kind)
+{
+    switch (kind) {
+    case WalkServerKind::Scripted:
+        return "Scripted";
+    case WalkServerKind::Vsftpd:
+        return "Vsftpd";
+    case WalkServerKind::VsftpdTls:
+        return "VsftpdTls";
+    case WalkServerKind::OpenSsh:
+        return "OpenSsh";
+    case WalkServerKind::FromEnvironment:
+        return "FromEnvironment";
+    }
+    return "Unknown";
+}
+
+std::string startWalkServer(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
+{
+    std::string const reason = start(kind, server);
+    if (reason.empty()) {
+        struct stat status {};
+        ::stat(server->disk.c_str(), &status);
+        server->owner = status.st_uid;
+        server->group = status.st_gid;
+    }
+    return reason;
+}
+
+void WalkServer::makeFolders(std::string const& relative) const
+{
+    std::filesystem::path folder = disk;
+    for (auto const& name : std::filesystem::path(relative)) {
+        folder /= name;
+        if (std::filesystem::create_directory(folder)) {
+            giveTo(folder, owner, group);
+        }
+    }
+}
+
+void WalkServer::makeFile(std::string const& relative, std::string const& bytes) const
+{
+    writeFile(disk / relative, bytes);
+    giveTo(disk / relative, owner, group);
+}
+
+void WalkServer::makeLink(std::string const& relative, std::string const& target) const
+{
+    std::filesystem::create_symlink(target, disk / relative);
+    giveTo(disk / relative, owner, group);
+}
+
+} // namespace perchftp::test
