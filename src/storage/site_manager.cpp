@@ -96,17 +96,29 @@ std::int32_t SiteManager::addSite(SiteProfile profile)
     if (!isValidProfile(profile) || hasDuplicate(profile, -1)) {
         return 0;
     }
-    profile.id = nextId_;
-    nextId_ = following(nextId_);
-    if (profile.id < 1) {
-        profile.id = nextId_;
-        nextId_ = following(nextId_);
-    }
-    if (profile.id >= nextId_) {
-        nextId_ = following(profile.id);
-    }
+    profile.id = takeNextId();
     sites_.push_back(std::move(profile));
     return sites_.back().id;
+}
+
+// The counter's value, stepping over the ones below 1. Ids loaded out of order, or a loaded
+// 2147483647 that wraps the counter, can leave it on an id that is held or below 1: then the next
+// free id above it is taken, starting again from 1 past the top.
+std::int32_t SiteManager::takeNextId()
+{
+    std::int32_t id = nextId_;
+    nextId_ = following(nextId_);
+    if (id < 1) {
+        id = nextId_;
+        nextId_ = following(nextId_);
+    }
+    while (id < 1 || findSite(id)) {
+        id = id < 1 ? 1 : following(id);
+    }
+    if (id >= nextId_) {
+        nextId_ = following(id);
+    }
+    return id;
 }
 
 bool SiteManager::updateSite(int id, SiteProfile const& profile)

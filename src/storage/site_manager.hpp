@@ -19,7 +19,8 @@ public:
     explicit SiteManager(Snapshot snapshot);
 
     // The new id, or 0 for an invalid profile or a duplicate. The id the argument carries is
-    // ignored: ids are chosen here alone and not reused within a run.
+    // ignored: ids are chosen here alone, positive and never one that an entry holds, and they
+    // are not reused within a run until the counter has passed 2147483647.
     std::int32_t addSite(SiteProfile profile);
 
     // Replaces every field but the id. False for an unknown id, an invalid profile, or one that
@@ -70,6 +71,8 @@ public:
     std::string normalizeText(std::string text) const;
 
 private:
+    std::int32_t takeNextId();
+
     std::int32_t nextId_ = 1;
     std::vector<SiteProfile> sites_;
 };

