@@ -24,23 +24,14 @@ void giveTo(std::filesystem::path const& path, uid_t owner, gid_t group)
     }
 }
 
-std::unique_ptr<WalkServer> describe(std::string label, std::string protocol, std::shared_ptr<void> running)
-{
-    auto server = std::make_unique<WalkServer>();
-    server->label = std::move(label);
-    server->protocol = std::move(protocol);
-    server->running = std::move(running);
-    return server;
-}
-
+// A server object with port(), user() and password(), kept running by `running`.
 template <typename Server>
-void logInAs(WalkServer& walkServer, Server const& server, std::string base, std::filesystem::path disk)
+std::unique_ptr<WalkServer> walkServer(std::string label, std::string protocol, Server const& server,
+                                       std::string base, std::filesystem::path disk, std::shared_ptr<void> running)
 {
-    walkServer.port = server.port();
-    walkServer.user = server.user();
-    walkServer.password = server.password();
-    walkServer.base = std::move(base);
-    walkServer.disk = std::move(disk);
+    return std::make_unique<WalkServer>(WalkServer{std::move(label), std::move(protocol), server.port(), server.user(),
+                                                   server.password(), std::move(base), std::move(disk), 0, 0,
+                                                   std::move(running)});
 }
 
 // "label|protocol|port|user|password|base|disk", as scripts/server-table writes it.
@@ -58,12 +49,8 @@ std::string fromEnvironment(std::unique_ptr<WalkServer>& server)
     if (fields.size() != 7) {
         return "needs PERCHFTP_WALK_SERVER as label|protocol|port|user|password|base|disk";
     }
-    server = describe(fields[0], fields[1], nullptr);
-    server->port = std::stoi(fields[2]);
-    server->user = fields[3];
-    server->password = fields[4];
-    server->base = fields[5];
-    server->disk = fields[6];
+    server = std::make_unique<WalkServer>(
+        WalkServer{fields[0], fields[1], std::stoi(fields[2]), fields[3], fields[4], fields[5], fields[6], 0, 0, nullptr});
     return {};
 }
 
@@ -72,8 +59,7 @@ std::string start(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
     switch (kind) {
     case WalkServerKind::Scripted: {
         auto running = std::make_shared<FtpTestServer>();
-        server = describe("scripted test server (pyftpdlib)", "ftp", running);
-        logInAs(*server, *running, "/", running->root());
+        server = walkServer("scripted test server (pyftpdlib)", "ftp", *running, "/", running->root(), running);
         return {};
     }
     case WalkServerKind::Vsftpd: {
@@ -81,8 +67,7 @@ std::string start(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
             return reason;
         }
         auto running = std::make_shared<VsftpdTestServer>();
-        server = describe("vsftpd", "ftp", running);
-        logInAs(*server, *running, "/", running->home());
+        server = walkServer("vsftpd", "ftp", *running, "/", running->home(), running);
         return {};
     }
     case WalkServerKind::VsftpdTls: {
@@ -96,9 +81,8 @@ std::string start(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
         }
         VsftpdTestServer::Tls const tls{certificates->serverCertificate(), certificates->serverKey()};
         auto running = std::make_shared<VsftpdTestServer>(&tls);
-        server = describe("vsftpd, implicit TLS, require_ssl_reuse", "ftps",
-                          std::make_shared<std::pair<decltype(certificates), decltype(running)>>(certificates, running));
-        logInAs(*server, *running, "/", running->home());
+        server = walkServer("vsftpd, implicit TLS, require_ssl_reuse", "ftps", *running, "/", running->home(),
+                            std::make_shared<std::pair<decltype(certificates), decltype(running)>>(certificates, running));
         return {};
     }
     case WalkServerKind::OpenSsh: {
@@ -106,8 +90,7 @@ std::string start(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
             return reason;
         }
         auto running = std::make_shared<SshdTestServer>();
-        server = describe("OpenSSH", "sftp", running);
-        logInAs(*server, *running, running->home().string() + "/", running->home());
+        server = walkServer("OpenSSH", "sftp", *running, running->home().string() + "/", running->home(), running);
         return {};
     }
     case WalkServerKind::FromEnvironment:
@@ -120,19 +103,8 @@ std::string start(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
 
 std::string toString(WalkServerKind kind)
 {
-    switch (kind) {
-    case WalkServerKind::Scripted:
-        return "Scripted";
-    case WalkServerKind::Vsftpd:
-        return "Vsftpd";
-    case WalkServerKind::VsftpdTls:
-        return "VsftpdTls";
-    case WalkServerKind::OpenSsh:
-        return "OpenSsh";
-    case WalkServerKind::FromEnvironment:
-        return "FromEnvironment";
-    }
-    return "Unknown";
+    static char const* const names[] = {"Scripted", "Vsftpd", "VsftpdTls", "OpenSsh", "FromEnvironment"};
+    return names[static_cast<int>(kind)];
 }
 
 std::string startWalkServer(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
