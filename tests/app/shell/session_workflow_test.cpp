@@ -16,7 +16,6 @@ namespace perchftp::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
@@ -44,20 +43,19 @@ protected:
             }
             ftp_ = std::make_unique<FtpTestServer>(options);
         }
-        std::filesystem::create_directories(home() / "docs");
-        std::filesystem::create_directories(home() / "empty");
-        std::ofstream(home() / "docs/notes.txt") << "twelve bytes";
+        std::filesystem::path const home = ftp_ ? ftp_->root() : sshd_->home();
+        std::filesystem::create_directories(home / "docs");
+        std::filesystem::create_directories(home / "empty");
+        std::ofstream(home / "docs/notes.txt") << "twelve bytes";
         SessionShellTest::SetUp();
     }
 
-    std::filesystem::path home() const { return ftp_ ? ftp_->root() : sshd_->home(); }
     int port() const { return ftp_ ? ftp_->port() : sshd_->port(); }
     void fillFormForServer(std::string const& password)
     {
         fillForm(QString::fromLatin1(GetParam()), QStringLiteral("127.0.0.1"), QString::number(port()),
             ftp_ ? ftp_->user() : sshd_->user(), password);
     }
-    std::string password() const { return ftp_ ? ftp_->password() : sshd_->password(); }
     // A remote folder by its name in the login folder; SFTP folders are listed with a trailing "/".
     QString remoteFolder(char const* name) const
     {
@@ -81,14 +79,13 @@ TEST_P(ConnectOverEachProtocol, ShowsEachStepBrowsesDisconnectsAndRefusesAWrongP
     EXPECT_EQ(banner(), QStringLiteral("✅ Protocol set to %1, default port %2.").arg(protocol, defaultPort));
 
     seen().forget();
-    fillFormForServer(password());
+    fillFormForServer(ftp_ ? ftp_->password() : sshd_->password());
     controller().connectButton()->click();
     ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
     EXPECT_EQ(seen().popupMessages(), connectingSteps(protocol, port()));
     EXPECT_EQ(seen().bannerTexts(), (QStringList{"✅ Connected (" + protocol + ")", "✅ Remote listing refreshed."}));
     EXPECT_EQ(controller().statusPopupTitle()->text(), "Connecting");
     EXPECT_TRUE(controller().queueLog()->toPlainText().contains("Connected to 127.0.0.1"));
-    EXPECT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
 
     controller().didRequestOpenPath(controller().remotePane(), remoteFolder("docs"), true);
     EXPECT_THAT(remoteNames(), ElementsAre("notes.txt"));
@@ -97,14 +94,14 @@ TEST_P(ConnectOverEachProtocol, ShowsEachStepBrowsesDisconnectsAndRefusesAWrongP
     // Over SFTP an empty folder lists only its "." and ".." lines, which the listing's fallback
     // reading shows as they are; the FTP servers send nothing.
     if (ftp_) {
-        ASSERT_EQ(controller().remotePane()->entries().size(), 1);
-        EXPECT_TRUE(controller().remotePane()->entries().front().placeholder) << "an empty folder says so";
+        EXPECT_EQ(remoteNames().size(), 1);
+        EXPECT_THAT(remoteNames().value(0).toStdString(), StartsWith("(")) << "an empty folder says so";
     }
 
     controller().connectButton()->click();
     EXPECT_EQ(controller().session(), nullptr);
     EXPECT_EQ(banner(), "✅ Disconnected.");
-    EXPECT_TRUE(remotePaneShowsPlaceholder(QStringLiteral("Not connected.")));
+    EXPECT_EQ(remoteNames(), QStringList{"(Not connected.)"});
 
     seen().forget();
     fillFormForServer("not-the-password");
@@ -131,11 +128,12 @@ protected:
     }
 
     QString port() const { return QString::number(server_.port()); }
-    void fillFormForServer()
+    void fillFormForServer(QString const& portText = {})
     {
-        fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), port(), server_.user(), server_.password());
+        fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), portText.isNull() ? port() : portText,
+            server_.user(), server_.password());
     }
-    std::vector<std::string> listings() const { return server_.receivedCommands({"LIST"}); }
+    std::size_t listings() const { return server_.receivedCommands({"LIST"}).size(); }
 
     FtpTestServer server_;
 };
@@ -145,21 +143,18 @@ TEST_F(FtpSessionWorkflow, BrowsingRefreshingReconnectingAndDisconnecting)
     fillFormForServer();
     controller().connectButton()->click();
     EXPECT_EQ(controller().remotePane()->pathValue(), "/") << "the listing of the empty path shows itself as the root";
-    EXPECT_THAT(remotePaths(), UnorderedElementsAre("/docs", "/readme.txt"));
-    EXPECT_THAT(listings(), ElementsAre("LIST")) << "a listing that works needs no ladder";
+    EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "readme.txt"));
+    EXPECT_EQ(listings(), 1u) << "a listing that works needs no ladder";
 
     // A double-clicked folder is listed, with the server's sizes, permissions and dates.
     controller().remotePane()->tableViewDoubleClicked(static_cast<int>(remoteNames().indexOf("docs")));
     EXPECT_EQ(controller().remotePane()->pathValue(), "/docs");
-    EXPECT_EQ(banner(), "✅ Remote listing refreshed.");
     ASSERT_THAT(remoteNames(), UnorderedElementsAre("archive", "notes.txt"));
     auto const& notes = controller().remotePane()->entries()[remoteNames().indexOf("notes.txt")];
     EXPECT_EQ(notes.path, "/docs/notes.txt");
-    EXPECT_FALSE(notes.dir || notes.placeholder);
     EXPECT_EQ(notes.size, "12");
     EXPECT_THAT(notes.permissions.toStdString(), StartsWith("-rw"));
     EXPECT_FALSE(notes.modifiedAt.isEmpty());
-    EXPECT_TRUE(controller().remotePane()->entries()[remoteNames().indexOf("archive")].dir);
 
     std::ofstream(server_.local("/docs/new.txt")) << "new";
     seen().forget();
@@ -175,20 +170,17 @@ TEST_F(FtpSessionWorkflow, BrowsingRefreshingReconnectingAndDisconnecting)
     dialogs().expectSavedConnection({app::kFirstAlertButton, 0});
     controller().openSavedConnectionButton()->click();
     EXPECT_EQ(controller().hostField()->text(), "elsewhere.example.org");
-    EXPECT_TRUE(controller().isConnected()) << "the session stays what it was";
-    EXPECT_EQ(controller().remotePane()->pathValue(), "/docs/archive");
-    EXPECT_THAT(remoteNames(), ElementsAre("old.zip"));
+    EXPECT_THAT(remoteNames(), ElementsAre("old.zip")) << "the session stays what it was";
     EXPECT_EQ(banner(), "✅ Loaded saved connection \"Elsewhere\".");
 
     // Connecting again replaces the session without asking.
     fillFormForServer();
     seen().forget();
-    useMenuItem(QStringLiteral("Connection"), QStringLiteral("Connect"));
+    controller().connectSession();
     EXPECT_TRUE(controller().isConnected());
     QStringList replacing = connectingSteps(QStringLiteral("ftp"), server_.port());
     replacing.insert(1, QStringLiteral("Closing previous session..."));
     EXPECT_EQ(seen().popupMessages(), replacing);
-    EXPECT_EQ(dialogs().questions().size(), 1u) << "only the saved-connection picker asked";
 
     server_.clearReceivedCommands();
     seen().forget();
@@ -201,89 +193,74 @@ TEST_F(FtpSessionWorkflow, BrowsingRefreshingReconnectingAndDisconnecting)
     EXPECT_TRUE(server_.receivedCommands().empty()) << "a disconnect does not talk to the server";
 
     seen().forget();
-    useMenuItem(QStringLiteral("Connection"), QStringLiteral("Disconnect"));
+    controller().disconnectSession();
     EXPECT_EQ(banner(), "✅ Session already disconnected.");
     EXPECT_THAT(seen().popupMessages(), ElementsAre("Session already disconnected."));
 }
 
-TEST_F(FtpSessionWorkflow, BadPortsAndHostsAndRefusedConnectsLeaveNoSession)
+TEST_F(FtpSessionWorkflow, BadFormValuesAndRefusedConnectsLeaveNoSession)
 {
-    // The port is the field's leading integer; without one, nothing starts.
-    for (QString const bad : {"", "   ", "abc", "-21", "0", "+0x15"}) {
-        fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), bad, server_.user(), server_.password());
+    // Without a positive leading integer in the port field, or without a host, nothing starts.
+    for (auto const& [host, portText] : {std::pair{"127.0.0.1", ""}, {"127.0.0.1", "-21"}, {"", "21"}}) {
+        fillForm(QStringLiteral("ftp"), QString::fromLatin1(host), QString::fromLatin1(portText));
         controller().connectButton()->click();
-        EXPECT_EQ(banner(), "⚠️ Host and port are required to connect.") << bad.toStdString();
-        EXPECT_EQ(controller().statusPopupWindow(), nullptr) << bad.toStdString();
+        EXPECT_EQ(banner(), "⚠️ Host and port are required to connect.") << host << ":" << portText;
     }
-    fillForm(QStringLiteral("ftp"), QString(), port(), server_.user(), server_.password());
-    controller().connectButton()->click();
-    EXPECT_EQ(banner(), "⚠️ Host and port are required to connect.");
     EXPECT_TRUE(seen().popupMessages().isEmpty());
 
-    // No upper bound on the port and no trimming of the host: the server side fails them.
-    QString const badUrl = QStringLiteral("⚠️ Connect failed: ftp connect: URL using bad/illegal format or missing URL");
-    fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), QStringLiteral("70000"), server_.user(), "x");
-    controller().connectButton()->click();
-    EXPECT_EQ(seen().popupMessages().front(), "Resolving 127.0.0.1:70000 via ftp...");
-    EXPECT_EQ(banner(), badUrl);
-    EXPECT_EQ(controller().session(), nullptr);
-    seen().forget();
-    fillForm(QStringLiteral("ftp"), QStringLiteral("   "), port(), server_.user(), server_.password());
-    controller().connectButton()->click();
-    EXPECT_EQ(seen().popupMessages().front(), "Resolving    :" + port() + " via ftp...");
-    EXPECT_EQ(banner(), badUrl);
-    EXPECT_EQ(controller().session(), nullptr);
+    // No upper bound on the port and no trimming of the host: libcurl refuses them.
+    for (auto const& [host, portText] : {std::pair{"127.0.0.1", QStringLiteral("70000")}, {"   ", port()}}) {
+        seen().forget();
+        fillForm(QStringLiteral("ftp"), QString::fromLatin1(host), portText, server_.user(), "x");
+        controller().connectButton()->click();
+        EXPECT_EQ(seen().popupMessages().value(0), QStringLiteral("Resolving %1:%2 via ftp...").arg(host, portText));
+        EXPECT_EQ(banner(), "⚠️ Connect failed: ftp connect: URL using bad/illegal format or missing URL");
+        EXPECT_EQ(controller().session(), nullptr);
+    }
 
     seen().forget();
     int const closed = freeLoopbackPort();
     fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), QString::number(closed), "perch", "x");
     controller().connectButton()->click();
-    EXPECT_EQ(controller().session(), nullptr);
-    EXPECT_EQ(banner(), "⚠️ Connect failed: ftp connect: Couldn't connect to server");
-    EXPECT_EQ(seen().popupMessages(),
-        connectingSteps(QStringLiteral("ftp"), closed, QStringLiteral("Connect failed: ftp connect: Couldn't connect to server")));
+    QString const refused = QStringLiteral("Connect failed: ftp connect: Couldn't connect to server");
+    EXPECT_EQ(banner(), "⚠️ " + refused);
+    EXPECT_EQ(seen().popupMessages(), connectingSteps(QStringLiteral("ftp"), closed, refused));
 
-    fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), QStringLiteral(" +") + port() + QStringLiteral("th"),
-        server_.user(), server_.password());
-    controller().connectButton()->click();
+    // A protocol name is trimmed and lowered; a port is read up to its first non-digit.
+    QComboBox* protocol = controller().protocolField();
+    protocol->addItems({QStringLiteral("  FTP "), QStringLiteral("gopher")});
+    fillFormForServer(QStringLiteral(" +") + port() + QStringLiteral("th"));
+    protocol->setCurrentText(QStringLiteral("  FTP "));
+    seen().forget();
+    controller().connectSession();
     ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
+    EXPECT_EQ(seen().popupMessages().value(0), "Resolving 127.0.0.1:" + port() + " via ftp...");
+
+    // An unknown protocol: the previous session is gone before the adapter is asked for, and the
+    // controls are not refreshed on this path.
+    seen().forget();
+    protocol->setCurrentText(QStringLiteral("gopher"));
+    controller().connectSession();
+    EXPECT_EQ(controller().session(), nullptr);
+    EXPECT_EQ(banner(), "⚠️ Protocol adapter not available in this build.");
+    EXPECT_THAT(seen().popupMessages(),
+        ElementsAre("Resolving 127.0.0.1:" + port() + " via gopher...", "Closing previous session...",
+            "Preparing protocol adapter...", "Protocol adapter not available in this build."));
+    EXPECT_EQ(controller().connectButton()->text(), "Disconnect");
+    protocol->setCurrentIndex(-1);
+    controller().connectSession();
+    EXPECT_EQ(banner(), "✅ Remote listing refreshed.") << "with nothing selected the protocol is ftp";
 
     // Over an open session a failure takes the session, but the controls are not refreshed.
     controller().secretField()->setText(QStringLiteral("wrong"));
-    useMenuItem(QStringLiteral("Connection"), QStringLiteral("Connect"));
+    controller().connectSession();
     EXPECT_EQ(controller().session(), nullptr);
     EXPECT_EQ(controller().connectButton()->text(), "Disconnect");
     controller().connectButton()->click();
     EXPECT_EQ(banner(), "✅ Session already disconnected.");
 }
 
-TEST_F(FtpSessionWorkflow, AProtocolNameIsTrimmedAndLoweredAndAnUnknownOneHasNoAdapter)
-{
-    QComboBox* protocol = controller().protocolField();
-    protocol->addItems({QStringLiteral("  FTP "), QStringLiteral("gopher")});
-    fillFormForServer();
-    protocol->setCurrentText(QStringLiteral("  FTP "));
-    controller().connectSession();
-    ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
-    EXPECT_EQ(seen().popupMessages().front(), "Resolving 127.0.0.1:" + port() + " via ftp...");
-
-    seen().forget();
-    protocol->setCurrentText(QStringLiteral("gopher"));
-    controller().connectSession();
-    EXPECT_EQ(controller().session(), nullptr) << "the previous session is gone before the adapter is asked for";
-    EXPECT_EQ(banner(), "⚠️ Protocol adapter not available in this build.");
-    // "Preparing protocol adapter..." stands for no blocking step here and is replaced at once.
-    EXPECT_THAT(seen().popupMessages(),
-        ElementsAre("Resolving 127.0.0.1:" + port() + " via gopher...", "Closing previous session...",
-            "Protocol adapter not available in this build."));
-    EXPECT_EQ(controller().connectButton()->text(), "Disconnect") << "the controls are not refreshed on this path";
-
-    protocol->setCurrentIndex(-1);
-    controller().connectSession();
-    EXPECT_EQ(banner(), "✅ Remote listing refreshed.") << "with nothing selected the protocol is ftp";
-}
-
-TEST_F(FtpSessionWorkflow, AFailedFirstListingKeepsTheSessionAndTheRootLadderRootsTheRows)
+TEST_F(FtpSessionWorkflow, AFailedFirstListingKeepsTheSessionAndOnlyTheRootClimbsTheLadder)
 {
     server_.setReply("LIST", "550 Listing refused.");
     fillFormForServer();
@@ -291,11 +268,9 @@ TEST_F(FtpSessionWorkflow, AFailedFirstListingKeepsTheSessionAndTheRootLadderRoo
     EXPECT_TRUE(controller().isConnected());
     EXPECT_EQ(seen().popupMessages().back(), "Connected to 127.0.0.1.");
     EXPECT_THAT(banner().toStdString(), StartsWith("⚠️ Remote list failed: ftp list: "));
-    ASSERT_EQ(controller().remotePane()->entries().size(), 1);
-    EXPECT_THAT(controller().remotePane()->entries().front().name.toStdString(), StartsWith("List failed: ftp list: "));
-    EXPECT_THAT(controller().queueLog()->toPlainText().toStdString(), HasSubstr("Remote list failed: ftp list: "));
-    EXPECT_EQ(listings().size(), 3u) << "the empty path, then \"/\", then the empty path again";
-    EXPECT_EQ(controller().connectButton()->text(), "Disconnect");
+    EXPECT_THAT(remoteNames().value(0).toStdString(), StartsWith("(List failed: ftp list: "));
+    EXPECT_TRUE(controller().queueLog()->toPlainText().contains("Remote list failed: ftp list: "));
+    EXPECT_EQ(listings(), 3u) << "the empty path, then \"/\", then the empty path again";
 
     // The empty path and "." climb the ladder and show as the root once a retry works.
     for (auto const& [path, refusals] : {std::pair{"", 1}, std::pair{".", 2}}) {
@@ -305,11 +280,18 @@ TEST_F(FtpSessionWorkflow, AFailedFirstListingKeepsTheSessionAndTheRootLadderRoo
         server_.setReply("LIST", "550 Not now.", refusals);
         controller().remotePane()->setPathValue(QString::fromLatin1(path));
         controller().refreshRemoteDirectory();
-        EXPECT_EQ(listings().size(), static_cast<std::size_t>(refusals + 1));
+        EXPECT_EQ(listings(), static_cast<std::size_t>(refusals + 1));
         EXPECT_EQ(controller().remotePane()->pathValue(), "/");
-        EXPECT_THAT(remotePaths(), UnorderedElementsAre("/docs", "/readme.txt"));
-        EXPECT_EQ(banner(), "✅ Remote listing refreshed.");
+        EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "readme.txt"));
     }
+
+    // Another path is not tried again.
+    server_.clearReceivedCommands();
+    server_.setReply("LIST", "550 No.");
+    controller().remotePane()->setPathValue(QStringLiteral("/docs"));
+    controller().refreshRemoteDirectory();
+    EXPECT_EQ(listings(), 1u);
+    EXPECT_THAT(banner().toStdString(), StartsWith("⚠️ Remote list failed: ftp list: "));
 }
 
 } // namespace
