@@ -47,6 +47,15 @@ std::string works(bool ok, std::string const& otherwise)
     return ok ? "works" : otherwise;
 }
 
+// A step that should change the server's disk, judged by what it reported and what it changed.
+std::string judged(SessionResult const& result, bool changed)
+{
+    if (result.ok) {
+        return works(changed, "reports success, changes nothing");
+    }
+    return changed ? "changes the disk, then " + fails(result) : fails(result);
+}
+
 std::set<std::string> namesOnDisk(std::filesystem::path const& folder)
 {
     std::set<std::string> names;
@@ -152,7 +161,7 @@ std::string renameFile(Walk& walk)
     if (moved) {
         walk.file = renamed;
     }
-    return result.ok ? works(moved, "reports success, renames nothing") : moved ? "renames, then reports failure" : fails(result);
+    return judged(result, moved);
 }
 
 std::string octalMode(std::filesystem::path const& path)
@@ -175,7 +184,7 @@ std::string deleteFile(Walk& walk)
 {
     SessionResult const result = walk.session.remove(walk.remote(walk.file));
     bool const gone = !std::filesystem::exists(walk.disk(walk.file));
-    return result.ok ? works(gone, "reports success, deletes nothing") : gone ? "deletes, then reports failure" : fails(result);
+    return judged(result, gone);
 }
 
 std::string deleteTree(Walk& walk, std::string const& folder)
@@ -196,8 +205,7 @@ std::string uploadNameWithBlank(Walk& walk)
     writeFile(walk.local.file("with blank.txt"), "x");
     SessionResult const result =
         walk.session.upload({walk.local.file("with blank.txt"), walk.remote("walk/with blank.txt"), false}, {});
-    bool const arrived = std::filesystem::exists(walk.disk("walk/with blank.txt"));
-    return result.ok ? works(arrived, "reports success, sends nothing") : fails(result);
+    return judged(result, std::filesystem::exists(walk.disk("walk/with blank.txt")));
 }
 
 struct WalkStep {
@@ -231,7 +239,7 @@ std::vector<WalkStep> walkSteps()
              SessionResult const result = walk.session.mkdir(walk.remote("walk"));
              bool const made = std::filesystem::is_directory(walk.disk("walk"));
              walk.server.makeFolders("walk"); // as another tool would, so that the walk goes on
-             return result.ok ? works(made, "reports success, makes nothing") : fails(result);
+             return judged(result, made);
          },
          "works", quoteRefused},
         {"upload 5 MiB", uploadFiveMegabytes, "works", "works"},
