@@ -7,10 +7,10 @@
 #include <limits>
 #include <memory>
 #include <regex>
+#include <sstream>
 #include <string_view>
 #include <thread>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 namespace perchftp::transfer {
@@ -32,6 +32,15 @@ TransferQueueItem job(TransferQueue const& queue, std::uint64_t id)
     }
     ADD_FAILURE() << "no job " << id;
     return {};
+}
+
+// "transferred/total percent% error" of a job.
+std::string figures(TransferQueue const& queue, std::uint64_t id)
+{
+    auto const item = job(queue, id);
+    std::ostringstream out;
+    out << item.transferredBytes << '/' << item.totalBytes << ' ' << item.progressPercent << "% " << item.error;
+    return out.str();
 }
 
 // Columns: pause, resume, cancel, skip, retry, simulateProgress, complete(true), complete(false).
@@ -138,59 +147,52 @@ TEST(TransferQueueJobs, EnqueueCopiesTheArgumentsAndARefusalUsesUpNoId)
     EXPECT_EQ(notifications, 3);
 }
 
-TEST(TransferQueueJobs, APausedQueueStartsJobsPausedAndProgressKeepsThemPaused)
-{
-    TransferQueue queue;
-    EXPECT_TRUE(queue.setQueuePaused(true));
-    EXPECT_TRUE(queue.isQueuePaused());
-    auto const id = add(queue);
-    ASSERT_TRUE(queue.simulateProgress(id, 25, 50));
-    EXPECT_EQ(job(queue, id).state, JobState::Paused);
-    EXPECT_EQ(job(queue, id).progressPercent, 50.0);
-    EXPECT_TRUE(queue.setQueuePaused(false));
-    EXPECT_EQ(job(queue, id).state, JobState::Paused);
-    EXPECT_EQ(job(queue, add(queue)).state, JobState::Queued);
-}
-
-TEST(TransferQueueJobs, ProgressIsClampedAndCompleteFillsOrKeepsTheFigures)
+TEST(TransferQueueJobs, ProgressIsClampedCompleteFillsOrKeepsTheFiguresAndAPausedQueueKeepsJobsPaused)
 {
     TransferQueue queue;
     auto const id = add(queue);
     ASSERT_TRUE(queue.simulateProgress(id, 500, 100));
-    EXPECT_EQ(job(queue, id).transferredBytes, 100U);
-    EXPECT_EQ(job(queue, id).progressPercent, 100.0);
+    EXPECT_EQ(figures(queue, id), "100/100 100% ");
     ASSERT_TRUE(queue.simulateProgress(id, 1, 3));
     EXPECT_FALSE(queue.simulateProgress(id, 2, 0));
-    EXPECT_EQ(job(queue, id).transferredBytes, 1U);
-    EXPECT_DOUBLE_EQ(job(queue, id).progressPercent, 100.0 / 3.0);
+    EXPECT_EQ(figures(queue, id), "1/3 33.3333% ");
     auto const max = std::numeric_limits<std::uint64_t>::max();
     ASSERT_TRUE(queue.simulateProgress(id, max - 1, max));
     EXPECT_LE(job(queue, id).progressPercent, 100.0);
 
-    auto const partial = add(queue);
-    ASSERT_TRUE(queue.simulateProgress(partial, 40, 80));
-    ASSERT_TRUE(queue.complete(partial, false, ""));
-    EXPECT_EQ(job(queue, partial).error, "transfer failed");
-    EXPECT_EQ(job(queue, partial).transferredBytes, 40U);
-    EXPECT_EQ(job(queue, partial).progressPercent, 50.0);
-    ASSERT_TRUE(queue.complete(partial, true, "anything"));
-    EXPECT_EQ(job(queue, partial).transferredBytes, 80U);
-    EXPECT_EQ(job(queue, partial).error, "");
+    ASSERT_TRUE(queue.simulateProgress(id, 40, 80));
+    ASSERT_TRUE(queue.complete(id, false, ""));
+    EXPECT_EQ(figures(queue, id), "40/80 50% transfer failed");
+    ASSERT_TRUE(queue.complete(id, true, "anything"));
+    EXPECT_EQ(figures(queue, id), "80/80 100% ");
+    auto const untouched = add(queue);
+    ASSERT_TRUE(queue.complete(untouched, true, ""));
+    EXPECT_EQ(figures(queue, untouched), "0/0 100% ");
 
-    // Retry leaves Failed only while retries remain, and keeps the figures.
-    auto const retried = add(queue, 0, 3);
-    ASSERT_TRUE(queue.simulateProgress(retried, 30, 120));
-    for (int attempt = 1; attempt <= 3; ++attempt) {
-        ASSERT_TRUE(queue.complete(retried, false, "timeout"));
-        ASSERT_TRUE(queue.retry(retried));
-        auto const item = job(queue, retried);
-        EXPECT_TRUE(item.state == JobState::Queued && item.retryCount == attempt && item.error.empty());
-        EXPECT_EQ(item.progressPercent, 25.0);
+    EXPECT_TRUE(queue.setQueuePaused(true));
+    auto const paused = add(queue);
+    ASSERT_TRUE(queue.simulateProgress(paused, 25, 50));
+    EXPECT_EQ(job(queue, paused).state, JobState::Paused);
+    EXPECT_TRUE(queue.setQueuePaused(false));
+    EXPECT_EQ(job(queue, paused).state, JobState::Paused);
+    EXPECT_EQ(job(queue, add(queue)).state, JobState::Queued);
+}
+
+TEST(TransferQueueJobs, RetryLeavesFailedOnlyWhileRetriesRemainAndKeepsTheFigures)
+{
+    TransferQueue queue;
+    auto const id = add(queue, 0, 2);
+    ASSERT_TRUE(queue.simulateProgress(id, 30, 120));
+    for (int attempt = 1; attempt <= 2; ++attempt) {
+        ASSERT_TRUE(queue.complete(id, false, "timeout"));
+        ASSERT_TRUE(queue.retry(id));
+        EXPECT_EQ(job(queue, id).retryCount, attempt);
+        EXPECT_EQ(figures(queue, id), "30/120 25% ");
     }
-    ASSERT_TRUE(queue.complete(retried, false, "timeout"));
-    auto const exhausted = job(queue, retried);
-    EXPECT_FALSE(queue.retry(retried));
-    EXPECT_EQ(job(queue, retried), exhausted);
+    ASSERT_TRUE(queue.complete(id, false, "timeout"));
+    auto const exhausted = job(queue, id);
+    EXPECT_FALSE(queue.retry(id));
+    EXPECT_EQ(job(queue, id), exhausted);
 }
 
 TEST(TransferQueueObservers, ObserveCallsOnlyTheNewObserverAtOnceAndKeepsOneForAnUnknownId)
@@ -264,19 +266,6 @@ TEST(TransferQueueScheduleOrder, KeepsRunnableJobsByPriorityHighToLowThenByIdWit
 
     queue.retry(failed); // comes back at the place of its old id
     EXPECT_EQ(queue.scheduleOrder(), (Ids{paused, high, running, failed, low, lowLater, negative, lowest}));
-}
-
-TEST(TransferQueueService, ForwardsTheInterfaceToItsQueue)
-{
-    TransferQueue seeded;
-    seeded.setQueuePaused(true);
-    TransferQueueService service(std::move(seeded));
-    ITransferQueue& api = service;
-    auto const id = api.enqueue(JobType::Upload, "ftps", "/l", "/r", 1, 3);
-    EXPECT_EQ(service.queue().snapshot().front().state, JobState::Paused);
-    EXPECT_TRUE(api.resume(id) && api.pause(id) && service.queue().complete(id, false, "x") && api.retry(id));
-    EXPECT_TRUE(api.cancel(id));
-    EXPECT_EQ(std::as_const(service).queue().snapshot().front().state, JobState::Canceled);
 }
 
 } // namespace
