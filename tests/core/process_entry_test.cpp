@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdio>
 #include <string>
 #include <sys/wait.h>
@@ -27,29 +26,22 @@ TEST(Bootstrap, LogsItsThreeLinesInOrderAndOpensTheVault)
         for (auto const& event : history) {
             CHILD_CHECK(event.level == perchftp::logging::EventLevel::Info);
         }
-        CHILD_CHECK(history[0].timestampMs <= history[2].timestampMs);
         CHILD_CHECK(!perchftp::security::isLocked());
     });
 }
 
 // Runs the program with stderr discarded and the display taken away, so that a normal-mode run
 // can never open a window, and with the user's folders pointed at a place that does not exist.
-std::pair<std::string, int> runProgram(std::vector<std::string> const& arguments)
+std::pair<std::string, int> runProgram(std::string const& arguments)
 {
-    std::string command = "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM HOME=/nonexistent/home"
-                          " XDG_DATA_HOME=/nonexistent/data XDG_CONFIG_HOME=/nonexistent/config"
-                          " PERCHFTP_INSTALL_TRACKING_URL=http://127.0.0.1:9/api/install-events.php '" PERCHFTP_BINARY "'";
-    for (auto const& argument : arguments) {
-        command += " '" + argument + "'";
-    }
-    FILE* pipe = ::popen((command + " 2>/dev/null </dev/null").c_str(), "r");
-    if (!pipe) {
-        return {"", -1};
-    }
+    std::string const command = "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM HOME=/nonexistent/home"
+                                " XDG_DATA_HOME=/nonexistent/data XDG_CONFIG_HOME=/nonexistent/config"
+                                " PERCHFTP_INSTALL_TRACKING_URL=http://127.0.0.1:9/api/install-events.php '" PERCHFTP_BINARY
+                                "' " + arguments + " 2>/dev/null </dev/null";
+    FILE* pipe = ::popen(command.c_str(), "r");
     std::string out;
-    std::array<char, 4096> buffer{};
-    for (std::size_t n = 0; (n = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) {
-        out.append(buffer.data(), n);
+    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
+        out.push_back(static_cast<char>(c));
     }
     int const status = ::pclose(pipe);
     return {out, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
@@ -57,14 +49,12 @@ std::pair<std::string, int> runProgram(std::vector<std::string> const& arguments
 
 TEST(ProcessEntry, OnlyAnExactFirstArgumentIsSmokeModeAndBothModesPrintTheTwoLines)
 {
-    constexpr char const* kBanner = "PerchFtp bootstrap build target ready.\nVersion: 0.1.0\n";
-    for (auto const& arguments : std::vector<std::vector<std::string>>{
-             {"--smoke"}, {"--smoke", "--help", "extra"}, {"--SMOKE"}, {"--smoke "}, {"--smokes"}, {"-smoke"}, {""},
-             {"x", "--smoke"}}) {
+    for (auto const& [arguments, smoke] : std::vector<std::pair<std::string, bool>>{
+             {"--smoke", true}, {"--smoke --help extra", true}, {"--SMOKE", false}, {"'--smoke '", false},
+             {"--smokes", false}, {"-smoke", false}, {"''", false}, {"x --smoke", false}}) {
         auto const [out, status] = runProgram(arguments);
-        EXPECT_EQ(out, kBanner) << "first argument: " << arguments.front();
-        // Normal mode without a display cannot succeed.
-        EXPECT_EQ(status == 0, arguments.front() == "--smoke") << "first argument: " << arguments.front();
+        EXPECT_EQ(out, "PerchFtp bootstrap build target ready.\nVersion: 0.1.0\n") << arguments;
+        EXPECT_EQ(status == 0, smoke) << arguments << ": normal mode without a display cannot succeed";
     }
 }
 

@@ -1,23 +1,18 @@
 #include "fuzz_support.hpp"
 #include "platform/install_tracker.hpp"
 
-#include <algorithm>
 #include <iterator>
 #include <limits>
 
 using perchftp::fuzz::require;
 using perchftp::platform::InstallTracker;
-using perchftp::platform::InstallTrackerConfig;
 
 namespace {
 
+// No endpoint: nothing ever leaves the process.
 InstallTracker trackerFor(std::string const& statePath)
 {
-    InstallTrackerConfig config;
-    config.statePath = statePath;
-    config.appVersion = "0.1.0";
-    config.platform = "linux";
-    return InstallTracker(std::move(config)); // no endpoint: nothing ever leaves the process
+    return InstallTracker({statePath, "", "0.1.0", "linux", "", std::chrono::hours(72)});
 }
 
 std::string contentOf(std::string const& path)
@@ -30,9 +25,7 @@ std::string contentOf(std::string const& path)
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    static std::string const path = perchftp::fuzz::scratch().file("install-tracker.state");
-    perchftp::fuzz::writeBytes(path, data, size);
-
+    std::string const path = perchftp::fuzz::scratchFile("install-tracker.state", data, size);
     InstallTracker tracker = trackerFor(path);
     require(tracker.loadState());
     // Whatever times the file holds, the heartbeat's arithmetic must not overflow (UBSan watches).

@@ -2,26 +2,10 @@
 #include "storage/legacy_snapshot.hpp"
 #include "storage/persistent_store.hpp"
 
-#include <algorithm>
-
 using namespace perchftp::storage;
 using perchftp::fuzz::require;
 
 namespace {
-
-Snapshot orderedById(Snapshot snapshot)
-{
-    std::stable_sort(snapshot.profiles.begin(), snapshot.profiles.end(),
-        [](SiteProfile const& left, SiteProfile const& right) { return left.id < right.id; });
-    return snapshot;
-}
-
-void removeDatabase(std::string const& path)
-{
-    for (char const* suffix : {"", "-wal", "-shm"}) {
-        std::filesystem::remove(path + suffix);
-    }
-}
 
 // A profile whose fields do not survive the trip: the save must either refuse it or keep it.
 Snapshot withHostileProfile(Snapshot snapshot, std::uint8_t const* data, std::size_t size)
@@ -40,9 +24,7 @@ Snapshot withHostileProfile(Snapshot snapshot, std::uint8_t const* data, std::si
 // back unchanged, and a refused save must leave the database as it was.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
-    static std::string const path = perchftp::fuzz::scratch().file("perchftp-sites.db");
-    removeDatabase(path);
-    perchftp::fuzz::writeBytes(path, data, size);
+    std::string const path = perchftp::fuzz::scratchFile("perchftp-sites.db", data, size);
     bool const database = detail::fileLooksLikeSqliteDatabase(path);
     auto const store = createFileStore(path);
     auto const loaded = store->load();
@@ -54,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     for (Snapshot const& attempt : {*loaded, withHostileProfile(*loaded, data, size)}) {
         auto const before = store->load();
         if (store->save(attempt)) {
-            require(store->load() == orderedById(normalizeSnapshot(attempt)));
+            require(store->load() == perchftp::fuzz::orderedById(normalizeSnapshot(attempt)));
         } else {
             require(store->load() == before);
         }

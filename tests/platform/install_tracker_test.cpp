@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 
 #include <chrono>
+#include <filesystem>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -75,8 +76,7 @@ TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPostEsca
     auto const state = readStateFile(statePath);
     auto const firstSeen = std::stoll(state.at("first_seen_at"));
     auto const lastHeartbeat = std::stoll(state.at("last_heartbeat_at"));
-    EXPECT_GE(firstSeen, before);
-    EXPECT_GE(lastHeartbeat, firstSeen);
+    EXPECT_TRUE(firstSeen >= before && lastHeartbeat >= firstSeen);
     EXPECT_EQ(readFile(statePath), "install_id=" + id + "\nfirst_seen_at=" + std::to_string(firstSeen)
                                        + "\nlast_heartbeat_at=" + std::to_string(lastHeartbeat) + "\nregistered=1\n");
 
@@ -91,20 +91,29 @@ TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPostEsca
                                     + std::to_string(lastHeartbeat) + "}");
 }
 
-TEST_F(InstallTrackerTest, AHeartbeatGoesOutOnlyWhenDueAndOnlyASuccessfulOneIsRecorded)
+// One install over several starts: only an accepted event changes the state file.
+TEST_F(InstallTrackerTest, AFailedEventLeavesTheStateAsItWasAndIsSentAgainAtTheNextStartWhenDue)
 {
-    auto const registeredAt = [](long long lastHeartbeat) {
-        return "install_id=abc\nfirst_seen_at=5\nlast_heartbeat_at=" + std::to_string(lastHeartbeat) + "\nregistered=1\n";
-    };
-    auto const recent = registeredAt(secondsNow() - 3600);
-    writeFile(statePath, recent);
-    logging::Logger::global().info("marker");
-    EXPECT_TRUE(InstallTracker(serverConfig()).sync());
-    EXPECT_TRUE(server.requests().empty());
-    EXPECT_EQ(lastLogMessage(), "marker"); // nothing due, nothing said
-    EXPECT_EQ(readFile(statePath), recent);
+    server.setStatus(500);
+    InstallTracker refused(serverConfig());
+    EXPECT_FALSE(refused.sync());
+    EXPECT_EQ(refused.lastError(), "tracking endpoint returned HTTP 500");
+    EXPECT_EQ(lastLogMessage(), "Install tracking register failed: tracking endpoint returned HTTP 500");
+    EXPECT_EQ(readStateFile(statePath).at("registered") + readStateFile(statePath).at("last_heartbeat_at"), "00");
 
-    auto const overdue = registeredAt(secondsNow() - 72 * 3600 - 10);
+    server.setStatus(201);
+    InstallTracker registered(serverConfig());
+    EXPECT_TRUE(registered.sync());
+    EXPECT_EQ(registered.installId(), refused.installId());
+    EXPECT_EQ(readStateFile(statePath).at("registered"), "1");
+
+    auto const state = readFile(statePath);
+    EXPECT_TRUE(InstallTracker(serverConfig()).sync());
+    EXPECT_EQ(lastLogMessage(), "Install tracking: install registered") << "nothing due, nothing said";
+    EXPECT_EQ(readFile(statePath), state);
+
+    auto const overdue = "install_id=abc\nfirst_seen_at=5\nlast_heartbeat_at=" + std::to_string(secondsNow() - 72 * 3600 - 10)
+                         + "\nregistered=1\n";
     writeFile(statePath, overdue);
     server.setStatus(503);
     EXPECT_FALSE(InstallTracker(serverConfig()).sync());
@@ -112,63 +121,36 @@ TEST_F(InstallTrackerTest, AHeartbeatGoesOutOnlyWhenDueAndOnlyASuccessfulOneIsRe
     EXPECT_EQ(readFile(statePath), overdue);
 
     server.setStatus(200);
-    InstallTracker tracker(serverConfig());
-    ASSERT_TRUE(tracker.sync()) << tracker.lastError();
-    EXPECT_EQ(lastLogMessage(), "Install tracking: heartbeat sent");
-    auto const requests = server.requests();
-    ASSERT_EQ(requests.size(), 2U);
-    EXPECT_NE(requests[1].body.find(R"({"event_type":"install_heartbeat","install_id":"abc",)"), std::string::npos);
-    EXPECT_NE(requests[1].body.find(R"("first_seen_at":5,)"), std::string::npos);
-    EXPECT_GT(std::stoll(readStateFile(statePath).at("last_heartbeat_at")), secondsNow() - 60);
-}
-
-TEST_F(InstallTrackerTest, AFailedRegistrationLeavesTheInstallUnregisteredAndIsRetriedWithTheSameIdAtTheNextStart)
-{
-    server.setStatus(500);
-    std::string id;
-    {
-        InstallTracker tracker(serverConfig());
-        EXPECT_FALSE(tracker.sync());
-        EXPECT_EQ(tracker.lastError(), "tracking endpoint returned HTTP 500");
-        EXPECT_EQ(lastLogMessage(), "Install tracking register failed: tracking endpoint returned HTTP 500");
-        id = tracker.installId();
-    }
-    auto const state = readStateFile(statePath);
-    EXPECT_EQ(state.at("registered") + state.at("last_heartbeat_at"), "00");
-
-    server.setStatus(201);
     EXPECT_TRUE(InstallTracker(serverConfig()).sync());
+    EXPECT_EQ(lastLogMessage(), "Install tracking: heartbeat sent");
+    EXPECT_GT(std::stoll(readStateFile(statePath).at("last_heartbeat_at")), secondsNow() - 60);
     auto const requests = server.requests();
-    ASSERT_EQ(requests.size(), 2U);
-    for (auto const& request : requests) {
-        EXPECT_NE(request.body.find(R"("event_type":"install_registered","install_id":")" + id + "\""), std::string::npos);
+    ASSERT_EQ(requests.size(), 4U);
+    for (std::size_t const registration : {0U, 1U}) {
+        auto const opening = R"({"event_type":"install_registered","install_id":")" + refused.installId() + "\"";
+        EXPECT_EQ(requests[registration].body.rfind(opening, 0), 0U) << requests[registration].body;
     }
-    EXPECT_EQ(readStateFile(statePath).at("registered"), "1");
+    EXPECT_NE(requests[3].body.find(R"({"event_type":"install_heartbeat","install_id":"abc",)"), std::string::npos);
+    EXPECT_NE(requests[3].body.find(R"("first_seen_at":5,)"), std::string::npos);
 }
 
 TEST_F(InstallTrackerTest, OnlyTwoHundredsAreAcceptedAndOtherFailuresSpeakLibcurlsWords)
 {
-    for (int const status : {200, 299, 300, 301, 404}) {
+    InstallTracker tracker(serverConfig());
+    for (int const status : {299, 301, 404}) {
         server.setStatus(status);
-        InstallTracker tracker(serverConfig());
         EXPECT_EQ(tracker.sendEvent("install_registered", 1), status < 300) << status;
         EXPECT_EQ(tracker.lastError(), status < 300 ? "" : "tracking endpoint returned HTTP " + std::to_string(status));
     }
-    for (auto const& request : server.requests()) {
-        EXPECT_EQ(request.path, kEventPath); // nothing went to the Location of a 3xx
-    }
-    EXPECT_EQ(server.requests().size(), 5U);
+    EXPECT_EQ(server.requests().size(), 3U) << "nothing went to the Location of a 3xx";
 
     // libcurl takes 199 for an interim reply and fails with its own text.
     server.setStatus(199);
-    InstallTracker interim(serverConfig());
-    EXPECT_FALSE(interim.sendEvent("install_registered", 1));
-    EXPECT_FALSE(interim.lastError().empty());
-    EXPECT_EQ(interim.lastError().find("tracking endpoint returned HTTP"), std::string::npos) << interim.lastError();
+    EXPECT_FALSE(tracker.sendEvent("install_registered", 1));
+    EXPECT_TRUE(!tracker.lastError().empty() && !tracker.lastError().starts_with("tracking endpoint")) << tracker.lastError();
 
     InstallTracker refused(config("http://127.0.0.1:" + std::to_string(test::freeLoopbackPort()) + kEventPath));
     EXPECT_FALSE(refused.sync());
-    EXPECT_EQ(refused.lastError(), "Couldn't connect to server");
     EXPECT_EQ(lastLogMessage(), "Install tracking register failed: Couldn't connect to server");
 }
 
@@ -177,7 +159,6 @@ TEST_F(InstallTrackerTest, AnEmptyEndpointOnlyPreparesTheStateAndAnUnsaveableSta
     InstallTracker tracker(config(""));
     EXPECT_TRUE(tracker.sync());
     EXPECT_EQ(lastLogMessage(), "Install tracking: endpoint not configured, state prepared only");
-    EXPECT_EQ(tracker.installId().size(), 36U);
     EXPECT_EQ(readStateFile(statePath).at("registered"), "0");
     EXPECT_FALSE(tracker.sendEvent("install_heartbeat", 1));
     EXPECT_EQ(tracker.lastError(), "tracking endpoint not configured");
@@ -192,49 +173,34 @@ TEST_F(InstallTrackerTest, AnEmptyEndpointOnlyPreparesTheStateAndAnUnsaveableSta
     EXPECT_TRUE(server.requests().empty());
 }
 
-TEST_F(InstallTrackerTest, TheStateFileIsReadLenientlyAndWrittenBackInItsOwnForm)
-{
-    InstallTracker tracker(config(""));
-    EXPECT_TRUE(tracker.loadState()) << "a missing file is a first start";
-    EXPECT_FALSE(std::filesystem::exists(statePath));
-
-    writeFile(statePath, "garbage line\r\n  install_id  =  my-id \t\r\nfirst_seen_at=12abc\nlast_heartbeat_at=not a number\n"
-                         "unknown=1\n=orphan value\nregistered=0\nregistered = true\n");
-    ASSERT_TRUE(tracker.loadState());
-    EXPECT_EQ(tracker.installId(), "my-id");
-    ASSERT_TRUE(tracker.saveState());
-    EXPECT_EQ(readFile(statePath), "install_id=my-id\nfirst_seen_at=12\nlast_heartbeat_at=0\nregistered=1\n");
-    writeFile(statePath, "install_id=my-id\nregistered=TRUE\n");
-    ASSERT_TRUE(tracker.loadState() && tracker.saveState());
-    EXPECT_EQ(readStateFile(statePath).at("registered"), "0");
-
-    writeFile(statePath, "install_id=\nfirst_seen_at=77\n");
-    ASSERT_TRUE(tracker.loadState() && tracker.ensureInstallId());
-    EXPECT_EQ(readStateFile(statePath).at("first_seen_at"), "77"); // kept, not replaced by now
-}
-
-TEST_F(InstallTrackerTest, TheHeartbeatIsDueExactlyWhenTheIntervalHasPassedAndNeverOverflows)
+// That any state file reads back as what it saves is the fuzz target's ground; these are the
+// readings themselves.
+TEST_F(InstallTrackerTest, TheStateFileIsReadLenientlyAndTheHeartbeatIsDueExactlyWhenTheIntervalHasPassed)
 {
     InstallTracker tracker(config(""));
     auto const load = [&](std::string const& state) {
         writeFile(statePath, state);
         ASSERT_TRUE(tracker.loadState());
     };
-    load("install_id=a\nlast_heartbeat_at=1000\nregistered=1\n");
+    load("garbage line\r\n  install_id  =  my-id \t\r\nfirst_seen_at=12abc\nlast_heartbeat_at=1000\n"
+         "unknown=1\n=orphan value\nregistered=0\nregistered = true\n");
+    ASSERT_TRUE(tracker.saveState());
+    EXPECT_EQ(readFile(statePath), "install_id=my-id\nfirst_seen_at=12\nlast_heartbeat_at=1000\nregistered=1\n");
     EXPECT_FALSE(tracker.shouldSendHeartbeat(1000 + 259200 - 1));
     EXPECT_TRUE(tracker.shouldSendHeartbeat(1000 + 259200));
     EXPECT_FALSE(tracker.shouldSendHeartbeat(500)); // a clock set back only delays it
-    load("install_id=a\nlast_heartbeat_at=1000\nregistered=0\n");
-    EXPECT_TRUE(tracker.shouldSendHeartbeat(1000));
-    load("install_id=a\nlast_heartbeat_at=0\nregistered=1\n");
-    EXPECT_TRUE(tracker.shouldSendHeartbeat(0));
-
     auto huge = config("");
     huge.heartbeatInterval = std::chrono::hours::max();
     InstallTracker patient(std::move(huge));
-    writeFile(statePath, "install_id=a\nlast_heartbeat_at=1000\nregistered=1\n");
     ASSERT_TRUE(patient.loadState());
     EXPECT_FALSE(patient.shouldSendHeartbeat(std::numeric_limits<long long>::max()));
+
+    load("install_id=a\nlast_heartbeat_at=1000\nregistered=TRUE\n");
+    EXPECT_TRUE(tracker.shouldSendHeartbeat(1000)) << "not registered";
+    load("install_id=\nfirst_seen_at=77\n");
+    ASSERT_TRUE(tracker.ensureInstallId());
+    EXPECT_EQ(readStateFile(statePath).at("first_seen_at"), "77"); // kept, not replaced by now
+    EXPECT_TRUE(tracker.shouldSendHeartbeat(0)) << "no heartbeat yet";
 }
 
 TEST_F(InstallTrackerTest, TheStateFileIsPrivateAndItsNewFoldersAreOwnerOnly)
@@ -244,16 +210,12 @@ TEST_F(InstallTrackerTest, TheStateFileIsPrivateAndItsNewFoldersAreOwnerOnly)
     nested.statePath = (dir.path() / "data" / "PerchFtp" / "install-tracker.state").string();
     InstallTracker tracker(nested);
     EXPECT_TRUE(tracker.sync());
-    auto const mode = [](std::filesystem::path const& path) {
-        struct stat info {};
-        return ::stat(path.c_str(), &info) == 0 ? info.st_mode & 0777 : 0;
-    };
-    EXPECT_EQ(mode(nested.statePath), 0600U);
-    EXPECT_EQ(mode(dir.path() / "data"), 0700U);
+    auto const mode = [](std::filesystem::path const& path) { return std::filesystem::status(path).permissions(); };
+    EXPECT_EQ(mode(dir.path() / "data"), std::filesystem::perms(0700));
     // A rewrite narrows a file that an older version left readable by others.
-    ::chmod(nested.statePath.c_str(), 0644);
+    std::filesystem::permissions(nested.statePath, std::filesystem::perms(0644));
     EXPECT_TRUE(tracker.saveState());
-    EXPECT_EQ(mode(nested.statePath), 0600U);
+    EXPECT_EQ(mode(nested.statePath), std::filesystem::perms(0600));
     ::umask(previous);
 }
 
@@ -264,17 +226,15 @@ TEST(InstallTrackerConfigFromEnvironment, TakesTheUrlAndTheSourceFromTheEnvironm
         ::unsetenv("PERCHFTP_INSTALL_TRACKING_URL");
         ::unsetenv("PERCHFTP_INSTALL_SOURCE");
         auto const unset = installTrackerConfigFromEnvironment("/state", "0.1.0");
-        CHILD_CHECK(unset.endpoint == "https://telemetry.perchftp.invalid/api/install-events.php");
-        CHILD_CHECK(unset.installSource.empty());
+        CHILD_CHECK(unset.endpoint == "https://telemetry.perchftp.invalid/api/install-events.php" && unset.installSource.empty());
         ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "", 1);
-        CHILD_CHECK(installTrackerConfigFromEnvironment("/state", "0.1.0").endpoint == kDefaultInstallTrackingEndpoint);
+        CHILD_CHECK(installTrackerConfigFromEnvironment("/state", "0.1.0").endpoint == unset.endpoint);
 
         ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "http://127.0.0.1:9/api/install-events.php", 1);
         ::setenv("PERCHFTP_INSTALL_SOURCE", "debian package", 1);
         auto const config = installTrackerConfigFromEnvironment("/state", "0.1.0");
         CHILD_CHECK(config.endpoint == "http://127.0.0.1:9/api/install-events.php");
         CHILD_CHECK(config.installSource == "debian package" && config.platform == "linux");
-        CHILD_CHECK(config.heartbeatInterval == std::chrono::hours(72));
     });
 }
 

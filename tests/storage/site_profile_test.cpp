@@ -1,5 +1,4 @@
 #include "storage/site_profile.hpp"
-#include "storage/sqlite_store.hpp"
 
 #include "storage/store_fixture.hpp"
 
@@ -23,10 +22,6 @@ TEST(SiteProfileDefaults, ApplyDefaultsRepairsOnlyProtocolTimeoutLogLevelAndLayo
     EXPECT_EQ(snapshot.version, 3);
     EXPECT_TRUE(snapshot.profiles.empty());
     EXPECT_EQ(describe(snapshot.settings), "1|-7|0|1|sftp|30000|0|{}"); // log level 0, not the default 2
-
-    settings.defaultProtocol = "gopher";
-    settings.operationTimeoutMs = 1;
-    EXPECT_EQ(describe(applyDefaults(settings).settings), "1|-7|0|1|gopher|1|0|{}");
 }
 
 TEST(SiteProfileDefaults, NormalizingRepairsPortTimeoutsGroupAndModeButTrimsAndRejectsNothing)
@@ -34,49 +29,22 @@ TEST(SiteProfileDefaults, NormalizingRepairsPortTimeoutsGroupAndModeButTrimsAndR
     SiteProfile profile;
     profile.name = "  padded  ";
     profile.protocol = " SFTP ";
-    profile.port = 65535;
     profile.status = 9;
     profile.connectTimeoutMs = 0;
     profile.transferTimeoutMs = -3;
     profile.transferMode = static_cast<TransferMode>(3);
     normalizeSiteProfile(profile);
-    EXPECT_EQ(describe(profile), "0|  padded  | SFTP ||65535|||||9|General|000|0|10000|60000|1");
-    profile.port = 1;
+    EXPECT_EQ(describe(profile), "0|  padded  | SFTP ||21|||||9|General|000|0|10000|60000|1");
     profile.connectTimeoutMs = 1;
     profile.group = "   ";
     normalizeSiteProfile(profile);
-    EXPECT_EQ(describe(profile), "0|  padded  | SFTP ||1|||||9|   |000|0|1|60000|1");
+    EXPECT_EQ(describe(profile), "0|  padded  | SFTP ||21|||||9|   |000|0|1|60000|1");
 
-    Snapshot snapshot;
-    snapshot.version = 1;
-    snapshot.settings.logLevel = -4;
-    for (int port : {0, -1, 990, 65536, 70000}) {
-        snapshot.profiles.push_back(SiteProfile{});
-        snapshot.profiles.back().port = port;
+    for (auto const& [port, kept] : std::vector<std::pair<int, int>>{{0, 21}, {-1, 21}, {1, 1}, {65535, 65535}, {65536, 21}}) {
+        profile.port = port;
+        normalizeSiteProfile(profile);
+        EXPECT_EQ(profile.port, kept) << port;
     }
-    auto const normalized = normalizeSnapshot(snapshot);
-    EXPECT_EQ(normalized.version, 3);
-    EXPECT_EQ(normalized.settings.logLevel, 0);
-    ASSERT_EQ(normalized.profiles.size(), 5U);
-    for (std::size_t i = 0; i < 5; ++i) {
-        EXPECT_EQ(normalized.profiles[i].port, i == 2 ? 990 : 21) << i;
-    }
-}
-
-TEST(SiteProfileDefaults, TransferModeWordsMapBothWaysWithExactLowerCaseWordsOnly)
-{
-    EXPECT_EQ(transferModeToString(TransferMode::Binary), "binary");
-    EXPECT_EQ(transferModeToString(TransferMode::Ascii), "ascii");
-    EXPECT_EQ(transferModeToString(TransferMode::Eager), "eager");
-    EXPECT_EQ(transferModeToString(static_cast<TransferMode>(17)), "binary");
-    using detail::SQLiteStore;
-    EXPECT_EQ(SQLiteStore::transferModeFromString("ascii"), TransferMode::Ascii);
-    EXPECT_EQ(SQLiteStore::transferModeFromString("eager"), TransferMode::Eager);
-    for (auto const* word : {"binary", "Ascii", "EAGER", "", " ascii"}) {
-        EXPECT_EQ(SQLiteStore::transferModeFromString(word), TransferMode::Binary) << word;
-    }
-    EXPECT_EQ(normalizeTransferModeInt(2), TransferMode::Eager);
-    EXPECT_EQ(normalizeTransferModeInt(-1), TransferMode::Binary);
 }
 
 } // namespace

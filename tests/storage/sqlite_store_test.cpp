@@ -46,26 +46,15 @@ TEST_F(SqliteStoreTest, SaveMakesMissingFoldersAndLoadGivesBackTheRepairedSnapsh
     EXPECT_TRUE(fs::is_empty(dir.path())) << "a load without a file creates nothing";
 
     auto const path = (dir.path() / "a" / "b" / "perchftp-sites.db").string();
+    // Every other field's trip through the database is the fuzz targets' ground.
     auto full = makeProfile(9, "files.example.com");
-    full.name = "  Office  ";
     full.secretRef = std::string("p@ss w0rd\"'\0tail", 16); // kept whole, NUL byte and all
-    full.status = 2;
-    full.group = "Clients";
-    full.favorite = full.quickConnect = full.autoConnect = true;
     full.transferMode = TransferMode::Eager;
-    full.connectTimeoutMs = 1234;
-    full.transferTimeoutMs = 5678;
-    full.useEncryption = false;
     auto outOfRange = makeProfile(2, "other.example.com");
     outOfRange.port = 70000;
-    outOfRange.transferMode = TransferMode::Ascii;
     Snapshot snapshot = withProfiles({full, outOfRange});
     snapshot.version = 1;
-    snapshot.settings.autoReconnect = snapshot.settings.useDarkTheme = false;
-    snapshot.settings.concurrentTransfers = -7;
-    snapshot.settings.defaultProtocol = "ftp";
     snapshot.settings.operationTimeoutMs = 0;
-    snapshot.settings.uiLayoutJson = R"({"split":0.5})";
 
     ASSERT_TRUE(createFileStore(path)->save(snapshot));
     auto const loaded = createFileStore(path)->load();
@@ -83,20 +72,12 @@ TEST_F(SqliteStoreTest, SaveMakesMissingFoldersAndLoadGivesBackTheRepairedSnapsh
     EXPECT_EQ(raw.text("PRAGMA journal_mode"), "wal");
 }
 
-TEST_F(SqliteStoreTest, ASaveReplacesEverythingInOneTransactionAndAnEmptySettingsTableLoadsDefaults)
+// That a save replaces everything, or nothing when it fails, is the fuzz targets' ground.
+TEST_F(SqliteStoreTest, AnEmptySnapshotLeavesOneSettingsRowAndAnEmptySettingsTableLoadsDefaults)
 {
-    ASSERT_TRUE(store()->save(withProfiles({makeProfile(1, "a.example"), makeProfile(2, "b.example")})));
-    ASSERT_TRUE(store()->save(withProfiles({makeProfile(5, "kept.example")})));
-    EXPECT_FALSE(store()->save(kUnsaveable));
-    auto const loaded = store()->load();
-    ASSERT_EQ(loaded->profiles.size(), 1U);
-    EXPECT_EQ(loaded->profiles[0].host, "kept.example");
-
     ASSERT_TRUE(store()->save(Snapshot{}));
     EXPECT_EQ(count("SELECT count(*) FROM app_settings"), 1);
     EXPECT_EQ(count("SELECT count(*) FROM site_profiles"), 0);
-    ASSERT_TRUE(RawDatabase(databasePath()).exec("UPDATE app_settings SET log_level = 5"));
-    EXPECT_EQ(store()->load()->settings.logLevel, 5);
     ASSERT_TRUE(RawDatabase(databasePath()).exec("DELETE FROM app_settings"));
     EXPECT_EQ(store()->load(), Snapshot{});
 }
@@ -202,9 +183,6 @@ TEST_F(SqliteStoreTest, AnyOtherFileAtThePathIsDeletedBySaveEvenWhenTheSaveThenF
 
 TEST_F(SqliteStoreTest, AnUnusablePathFailsAndChangesNothing)
 {
-    EXPECT_FALSE(createFileStore("")->load().has_value());
-    EXPECT_FALSE(createFileStore("")->save(Snapshot{}));
-
     // A regular file where a folder should be: even root cannot make the folder.
     test::writeFile(dir.path() / "blocker", "not a folder");
     auto const blocked = createFileStore((dir.path() / "blocker" / "sub" / "perchftp-sites.db").string());
@@ -216,7 +194,6 @@ TEST_F(SqliteStoreTest, AnUnusablePathFailsAndChangesNothing)
     EXPECT_FALSE(store()->load().has_value());
     EXPECT_FALSE(store()->save(Snapshot{}));
     EXPECT_TRUE(fs::is_empty(databasePath()));
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 2);
 }
 
 TEST_F(SqliteStoreTest, NewFoldersAreOwnerOnlyAndTheDatabaseAndItsCompanionsPrivateWhateverTheUmask)
