@@ -65,6 +65,8 @@ std::vector<ListingCase> const kCases = {
     {"bare names are plain files", "readme.md\nsrc", {"readme.md|0|0||", "src|0|0||"}},
     {"a bare name starting with total is lost", "totals.csv\nreadme.md\n", {"readme.md|0|0||"}},
     // Bytes
+    {"an empty reply has no entries", "", {}},
+    {"a crlf line end is not part of the name", kUnixFile + "\r\n", {"notes.txt|0|1234|-rw-r--r--|Jan 5 10:30"}},
     {"a lone cr does not end a line", "a\rb\n", {"a\rb|0|0||"}},
     {"a tab is no blank: the whole line is the name", "-rw-r--r--\t1\tme\tx\n", {"-rw-r--r--\t1\tme\tx|0|0||"}},
     {"tabs still split tokens once a blank is present", "-rw-r--r--\t1\tme\tstaff\t77 Jan\t5\t10:30\tt.txt\n",
