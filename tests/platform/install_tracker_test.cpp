@@ -92,7 +92,7 @@ TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPostEsca
 }
 
 // One install over several starts: only an accepted event changes the state file.
-TEST_F(InstallTrackerTest, AFailedEventLeavesTheStateAsItWasAndIsSentAgainAtTheNextStartWhenDue)
+TEST_F(InstallTrackerTest, AFailedEventLeavesTheStateAsItWasAndIsSentAgainWhenDueAndOnly2xxIsAccepted)
 {
     server.setStatus(500);
     InstallTracker refused(serverConfig());
@@ -126,40 +126,38 @@ TEST_F(InstallTrackerTest, AFailedEventLeavesTheStateAsItWasAndIsSentAgainAtTheN
     EXPECT_GT(std::stoll(readStateFile(statePath).at("last_heartbeat_at")), secondsNow() - 60);
     auto const requests = server.requests();
     ASSERT_EQ(requests.size(), 4U);
-    for (std::size_t const registration : {0U, 1U}) {
-        auto const opening = R"({"event_type":"install_registered","install_id":")" + refused.installId() + "\"";
-        EXPECT_EQ(requests[registration].body.rfind(opening, 0), 0U) << requests[registration].body;
-    }
-    EXPECT_NE(requests[3].body.find(R"({"event_type":"install_heartbeat","install_id":"abc",)"), std::string::npos);
+    EXPECT_EQ(requests[3].body.rfind(R"({"event_type":"install_heartbeat","install_id":"abc",)", 0), 0U);
     EXPECT_NE(requests[3].body.find(R"("first_seen_at":5,)"), std::string::npos);
-}
 
-TEST_F(InstallTrackerTest, OnlyTwoHundredsAreAcceptedAndOtherFailuresSpeakLibcurlsWords)
-{
+    // Only 2xx is accepted, and a 3xx is not followed.
     InstallTracker tracker(serverConfig());
     for (int const status : {299, 301, 404}) {
         server.setStatus(status);
         EXPECT_EQ(tracker.sendEvent("install_registered", 1), status < 300) << status;
         EXPECT_EQ(tracker.lastError(), status < 300 ? "" : "tracking endpoint returned HTTP " + std::to_string(status));
     }
-    EXPECT_EQ(server.requests().size(), 3U) << "nothing went to the Location of a 3xx";
-
-    // libcurl takes 199 for an interim reply and fails with its own text.
-    server.setStatus(199);
-    EXPECT_FALSE(tracker.sendEvent("install_registered", 1));
-    EXPECT_TRUE(!tracker.lastError().empty() && !tracker.lastError().starts_with("tracking endpoint")) << tracker.lastError();
-
+    EXPECT_EQ(server.requests().size(), 7U) << "nothing went to the Location of a 3xx";
     InstallTracker refused(config("http://127.0.0.1:" + std::to_string(test::freeLoopbackPort()) + kEventPath));
     EXPECT_FALSE(refused.sync());
     EXPECT_EQ(lastLogMessage(), "Install tracking register failed: Couldn't connect to server");
 }
 
-TEST_F(InstallTrackerTest, AnEmptyEndpointOnlyPreparesTheStateAndAnUnsaveableStateSendsNothing)
+TEST_F(InstallTrackerTest, AnEmptyEndpointOnlyPreparesAPrivateStateAndAnUnsaveableStateSendsNothing)
 {
-    InstallTracker tracker(config(""));
+    auto const previousMask = ::umask(0);
+    auto nested = config("");
+    nested.statePath = (dir.path() / "data" / "PerchFtp" / "install-tracker.state").string();
+    InstallTracker tracker(nested);
     EXPECT_TRUE(tracker.sync());
     EXPECT_EQ(lastLogMessage(), "Install tracking: endpoint not configured, state prepared only");
-    EXPECT_EQ(readStateFile(statePath).at("registered"), "0");
+    EXPECT_EQ(readStateFile(nested.statePath).at("registered"), "0");
+    auto const mode = [](std::filesystem::path const& path) { return std::filesystem::status(path).permissions(); };
+    EXPECT_EQ(mode(dir.path() / "data"), std::filesystem::perms(0700));
+    // A rewrite narrows a file that an older version left readable by others.
+    std::filesystem::permissions(nested.statePath, std::filesystem::perms(0644));
+    EXPECT_TRUE(tracker.saveState());
+    EXPECT_EQ(mode(nested.statePath), std::filesystem::perms(0600));
+    ::umask(previousMask);
     EXPECT_FALSE(tracker.sendEvent("install_heartbeat", 1));
     EXPECT_EQ(tracker.lastError(), "tracking endpoint not configured");
 
@@ -189,11 +187,6 @@ TEST_F(InstallTrackerTest, TheStateFileIsReadLenientlyAndTheHeartbeatIsDueExactl
     EXPECT_FALSE(tracker.shouldSendHeartbeat(1000 + 259200 - 1));
     EXPECT_TRUE(tracker.shouldSendHeartbeat(1000 + 259200));
     EXPECT_FALSE(tracker.shouldSendHeartbeat(500)); // a clock set back only delays it
-    auto huge = config("");
-    huge.heartbeatInterval = std::chrono::hours::max();
-    InstallTracker patient(std::move(huge));
-    ASSERT_TRUE(patient.loadState());
-    EXPECT_FALSE(patient.shouldSendHeartbeat(std::numeric_limits<long long>::max()));
 
     load("install_id=a\nlast_heartbeat_at=1000\nregistered=TRUE\n");
     EXPECT_TRUE(tracker.shouldSendHeartbeat(1000)) << "not registered";
@@ -201,22 +194,6 @@ TEST_F(InstallTrackerTest, TheStateFileIsReadLenientlyAndTheHeartbeatIsDueExactl
     ASSERT_TRUE(tracker.ensureInstallId());
     EXPECT_EQ(readStateFile(statePath).at("first_seen_at"), "77"); // kept, not replaced by now
     EXPECT_TRUE(tracker.shouldSendHeartbeat(0)) << "no heartbeat yet";
-}
-
-TEST_F(InstallTrackerTest, TheStateFileIsPrivateAndItsNewFoldersAreOwnerOnly)
-{
-    auto const previous = ::umask(0);
-    auto nested = config("");
-    nested.statePath = (dir.path() / "data" / "PerchFtp" / "install-tracker.state").string();
-    InstallTracker tracker(nested);
-    EXPECT_TRUE(tracker.sync());
-    auto const mode = [](std::filesystem::path const& path) { return std::filesystem::status(path).permissions(); };
-    EXPECT_EQ(mode(dir.path() / "data"), std::filesystem::perms(0700));
-    // A rewrite narrows a file that an older version left readable by others.
-    std::filesystem::permissions(nested.statePath, std::filesystem::perms(0644));
-    EXPECT_TRUE(tracker.saveState());
-    EXPECT_EQ(mode(nested.statePath), std::filesystem::perms(0600));
-    ::umask(previous);
 }
 
 // Environment changes stay inside the fresh process.
@@ -229,12 +206,11 @@ TEST(InstallTrackerConfigFromEnvironment, TakesTheUrlAndTheSourceFromTheEnvironm
         CHILD_CHECK(unset.endpoint == "https://telemetry.perchftp.invalid/api/install-events.php" && unset.installSource.empty());
         ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "", 1);
         CHILD_CHECK(installTrackerConfigFromEnvironment("/state", "0.1.0").endpoint == unset.endpoint);
-
-        ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "http://127.0.0.1:9/api/install-events.php", 1);
+        ::setenv("PERCHFTP_INSTALL_TRACKING_URL", "http://127.0.0.1:9/e", 1);
         ::setenv("PERCHFTP_INSTALL_SOURCE", "debian package", 1);
         auto const config = installTrackerConfigFromEnvironment("/state", "0.1.0");
-        CHILD_CHECK(config.endpoint == "http://127.0.0.1:9/api/install-events.php");
-        CHILD_CHECK(config.installSource == "debian package" && config.platform == "linux");
+        CHILD_CHECK(config.endpoint == "http://127.0.0.1:9/e" && config.installSource == "debian package");
+        CHILD_CHECK(config.platform == "linux" && config.heartbeatInterval == std::chrono::hours(72));
     });
 }
 

@@ -86,16 +86,5 @@ TEST(LegacyReading, ParseIntOrDefaultTakesALeadingDecimalNumberThatFitsAndFallsB
     }
 }
 
-TEST_F(LegacySnapshotTest, OnlyTheFifteenHeaderBytesMarkADatabase)
-{
-    for (auto const& [bytes, database] : std::vector<std::pair<std::string, bool>>{
-             {"SQLite format 3", true}, {std::string("SQLite format 3\0anything", 24), true},
-             {"SQLite format", false}, {"sqlite format 3", false}}) {
-        test::writeFile(path, bytes);
-        EXPECT_EQ(fileLooksLikeSqliteDatabase(path), database) << bytes;
-    }
-    EXPECT_FALSE(fileLooksLikeSqliteDatabase(dir.file("missing")));
-}
-
 } // namespace
 } // namespace perchftp::storage::detail

@@ -40,7 +40,7 @@ TEST(SiteManagerAdd, GivesNewIdsFromOneAndStoresTheProfileTrimmedAndRepaired)
     EXPECT_TRUE(manager.removeSite(2));
     EXPECT_EQ(manager.addSite(makeProfile(0, "c.example")), 3); // ids are not reused within a run
 
-    auto profile = makeProfile(0, "  Files.Example.COM \t");
+    auto profile = makeProfile(0, " \v\fFiles.Example.COM \t\r\n");
     profile.name = "  My server ";
     profile.protocol = "SFTP ";
     profile.user = " Ana ";
@@ -103,14 +103,9 @@ TEST(SiteManagerDuplicates, TheSameHostUserAndProtocolAreOneConnectionWhateverTh
              {"files.example.com", "Ana", "sftp", false}, {"files.example.com", "ana", "ftps", false}}) {
         EXPECT_EQ(manager.addSite(makeProfile(0, host, user, protocol)) == 0, duplicate) << host << user << protocol;
     }
-
-    // The candidate's protocol is compared in its own case, only trimmed.
-    EXPECT_TRUE(manager.hasDuplicate(makeProfile(0, " FILES.example.com ", "ana", " sftp "), -1));
-    EXPECT_FALSE(manager.hasDuplicate(makeProfile(0, "files.example.com", "ana", "SFTP"), -1));
-    EXPECT_FALSE(manager.hasDuplicate(makeProfile(0, "files.example.com", "ana", "sftp"), 1));
 }
 
-TEST(SiteManagerUpdate, ReplacesEverythingButTheIdExcludesOnlyTheSiteItselfAndSettersChangeOnlyTheirField)
+TEST(SiteManagerUpdate, ReplacesEverythingButTheIdAndExcludesOnlyTheSiteItselfFromTheDuplicateRule)
 {
     SiteManager manager;
     auto const id = manager.addSite(makeProfile(0, "a.example"));
@@ -126,32 +121,33 @@ TEST(SiteManagerUpdate, ReplacesEverythingButTheIdExcludesOnlyTheSiteItselfAndSe
               "1|Renamed|sftp|c.example|22|ana|pw-99|/home/ana|/srv/www|1|General|100|2|10000|60000|1");
     EXPECT_FALSE(manager.updateSite(id, makeProfile(0, "B.EXAMPLE")));
     EXPECT_FALSE(manager.updateSite(12345, makeProfile(0, "e.example")));
-
-    EXPECT_TRUE(manager.setActive(id, false));
-    EXPECT_EQ(manager.findSite(id)->status, 2);
-    EXPECT_TRUE(manager.setActive(id, true) && manager.setFavorite(id, false) && manager.setQuickConnect(id, true)
-                && manager.setAutoConnect(id, true));
-    EXPECT_EQ(test::describe(*manager.findSite(id)),
-              "1|Renamed|sftp|c.example|22|ana|pw-99|/home/ana|/srv/www|1|General|011|2|10000|60000|1");
-    EXPECT_FALSE(manager.setActive(12345, true) || manager.setFavorite(12345, true)
-                 || manager.setQuickConnect(12345, true) || manager.setAutoConnect(12345, true));
 }
 
-TEST(SiteManagerQueries, CompareTrimmedWordsExactly)
+// What the store and the older-format reader apply on load: repairs, but no trimming and no refusal.
+TEST(SiteProfileRepair, FillsEmptyOrOutOfRangeSettingsAndProfileFieldsAndKeepsTheRest)
 {
-    SiteManager manager;
-    auto work = makeProfile(0, "a", "u", "sftp");
-    work.group = "Work";
-    work.favorite = true;
-    manager.addSite(work);
-    manager.addSite(makeProfile(0, "b", "u", "ftp"));
-    EXPECT_EQ(idsOf(manager.findByProtocol(" sftp ")), (Ids{1}));
-    EXPECT_TRUE(manager.findByProtocol("SFTP").empty());
-    EXPECT_EQ(idsOf(manager.findByGroup(" Work")), (Ids{1}));
-    EXPECT_EQ(idsOf(manager.findByGroup("General")), (Ids{2}));
-    EXPECT_EQ(idsOf(manager.findFavorites()), (Ids{1}));
-    EXPECT_EQ(manager.normalizeText(" \t\r\n\v\fa b\t "), "a b");
-    EXPECT_EQ(manager.normalizeText("\xc2\xa0x\xc2\xa0"), "\xc2\xa0x\xc2\xa0");
+    AppSettings settings;
+    settings.defaultProtocol = "";
+    settings.operationTimeoutMs = 0;
+    settings.logLevel = -1;
+    settings.uiLayoutJson = "";
+    settings.concurrentTransfers = -7;
+    settings.retryLimit = 0;
+    auto const snapshot = applyDefaults(settings);
+    EXPECT_EQ(snapshot.version, 3);
+    EXPECT_EQ(test::describe(snapshot.settings), "1|-7|0|1|sftp|30000|0|{}"); // log level 0, not the default 2
+
+    auto profile = makeProfile(0, " h ");
+    profile.group = "   ";
+    profile.transferMode = static_cast<TransferMode>(3);
+    profile.connectTimeoutMs = 0;
+    profile.transferTimeoutMs = -3;
+    for (auto const& [port, kept] : std::vector<std::pair<int, int>>{{0, 21}, {1, 1}, {65535, 65535}, {65536, 21}}) {
+        profile.port = port;
+        normalizeSiteProfile(profile);
+        EXPECT_EQ(profile.port, kept) << port;
+    }
+    EXPECT_EQ(test::describe(profile), "0|Site 0|sftp| h |21|ana|pw-0|/home/ana|/srv/www|1|   |000|0|10000|60000|1");
 }
 
 TEST(SiteManagerSnapshot, LoadingKeepsOrderAndOddIdsDropsInvalidOnesAndLetsTheFirstDuplicateWin)
