@@ -14,41 +14,29 @@ namespace {
 // One line per step: "op|id|name|protocol|host|port|user|group|secret". Op "a" adds, "u" updates
 // the id, "r" removes it, "c" clones it with the name as label; a run of "l" lines is loaded as
 // one snapshot, each with its own id.
-struct Step {
-    char op = 0;
+SiteProfile profileOf(std::string_view line)
+{
+    std::string fields[9];
+    for (auto& field : fields) {
+        auto const end = std::min(line.find('|'), line.size());
+        field = line.substr(0, end);
+        line.remove_prefix(std::min(end + 1, line.size()));
+    }
+    auto const number = [](std::string const& text) {
+        std::int32_t value = 0;
+        std::from_chars(text.data(), text.data() + text.size(), value);
+        return value;
+    };
     SiteProfile profile;
-};
-
-std::int32_t number(std::string_view text)
-{
-    std::int32_t value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
-}
-
-std::string_view nextField(std::string_view& line)
-{
-    auto const end = line.find('|');
-    auto const field = line.substr(0, end);
-    line.remove_prefix(end == std::string_view::npos ? line.size() : end + 1);
-    return field;
-}
-
-Step parseStep(std::string_view line)
-{
-    Step step;
-    step.op = line.empty() ? 0 : line.front();
-    nextField(line);
-    auto& profile = step.profile;
-    profile.id = number(nextField(line));
-    profile.name = nextField(line);
-    profile.protocol = nextField(line);
-    profile.host = nextField(line);
-    profile.port = number(nextField(line));
-    profile.user = nextField(line);
-    profile.group = nextField(line);
-    profile.secretRef = nextField(line);
-    return step;
+    profile.id = number(fields[1]);
+    profile.name = fields[2];
+    profile.protocol = fields[3];
+    profile.host = fields[4];
+    profile.port = number(fields[5]);
+    profile.user = fields[6];
+    profile.group = fields[7];
+    profile.secretRef = fields[8];
+    return profile;
 }
 
 bool taken(std::vector<SiteProfile> const& sites, std::int32_t id)
@@ -68,19 +56,19 @@ void requireFreshIdOrNothing(std::int32_t id, std::vector<SiteProfile> const& be
     require(after.size() == before.size() + 1 && after.back().id == id);
 }
 
-void apply(Step const& step, SiteManager& sites)
+void apply(char op, SiteProfile const& profile, SiteManager& sites)
 {
     auto const before = sites.listSites();
-    auto const id = step.profile.id;
-    switch (step.op) {
+    auto const id = profile.id;
+    switch (op) {
     case 'a':
-        requireFreshIdOrNothing(sites.addSite(step.profile), before, sites);
+        requireFreshIdOrNothing(sites.addSite(profile), before, sites);
         break;
     case 'c':
-        requireFreshIdOrNothing(sites.cloneSite(id, step.profile.name), before, sites);
+        requireFreshIdOrNothing(sites.cloneSite(id, profile.name), before, sites);
         break;
     case 'u':
-        if (!sites.updateSite(id, step.profile)) {
+        if (!sites.updateSite(id, profile)) {
             require(sites.listSites() == before);
         }
         break;
@@ -101,17 +89,18 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     SiteManager sites;
     Snapshot loading;
     while (!text.empty()) {
-        auto const end = text.find('\n');
-        Step const step = parseStep(text.substr(0, end));
-        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-        if (step.op == 'l') {
-            loading.profiles.push_back(step.profile);
+        auto const end = std::min(text.find('\n'), text.size());
+        char const op = text.front();
+        SiteProfile const profile = profileOf(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (op == 'l') {
+            loading.profiles.push_back(profile);
             continue;
         }
         if (!loading.profiles.empty()) {
             sites.loadFromSnapshot(std::exchange(loading, Snapshot{}));
         }
-        apply(step, sites);
+        apply(op, profile, sites);
         // Every entry is stored clean, valid and unique: loading the manager's own snapshot keeps
         // all of them unchanged.
         require(SiteManager(sites.snapshot()).listSites() == sites.listSites());

@@ -12,9 +12,7 @@
 
 #include <chrono>
 #include <filesystem>
-#include <map>
 #include <regex>
-#include <sstream>
 
 namespace perchftp::platform {
 namespace {
@@ -24,15 +22,12 @@ using test::writeFile;
 
 constexpr char const* kEventPath = "/api/install-events.php";
 
-std::map<std::string, std::string> readStateFile(std::string const& path)
+// The value of the line "key=value" of a state file.
+std::string stateValue(std::string const& path, std::string const& key)
 {
-    std::map<std::string, std::string> values;
-    std::istringstream in(readFile(path));
-    for (std::string line; std::getline(in, line);) {
-        auto const separator = line.find('=');
-        values[line.substr(0, separator)] = line.substr(separator + 1);
-    }
-    return values;
+    auto const text = "\n" + readFile(path);
+    auto const start = text.find("\n" + key + "=") + key.size() + 2;
+    return text.substr(start, text.find('\n', start) - start);
 }
 
 std::string lastLogMessage()
@@ -73,9 +68,8 @@ TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPostEsca
     auto const id = tracker.installId();
     EXPECT_TRUE(std::regex_match(id, std::regex("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}"))) << id;
 
-    auto const state = readStateFile(statePath);
-    auto const firstSeen = std::stoll(state.at("first_seen_at"));
-    auto const lastHeartbeat = std::stoll(state.at("last_heartbeat_at"));
+    auto const firstSeen = std::stoll(stateValue(statePath, "first_seen_at"));
+    auto const lastHeartbeat = std::stoll(stateValue(statePath, "last_heartbeat_at"));
     EXPECT_TRUE(firstSeen >= before && lastHeartbeat >= firstSeen);
     EXPECT_EQ(readFile(statePath), "install_id=" + id + "\nfirst_seen_at=" + std::to_string(firstSeen)
                                        + "\nlast_heartbeat_at=" + std::to_string(lastHeartbeat) + "\nregistered=1\n");
@@ -99,13 +93,13 @@ TEST_F(InstallTrackerTest, AFailedEventLeavesTheStateAsItWasAndIsSentAgainWhenDu
     EXPECT_FALSE(refused.sync());
     EXPECT_EQ(refused.lastError(), "tracking endpoint returned HTTP 500");
     EXPECT_EQ(lastLogMessage(), "Install tracking register failed: tracking endpoint returned HTTP 500");
-    EXPECT_EQ(readStateFile(statePath).at("registered") + readStateFile(statePath).at("last_heartbeat_at"), "00");
+    EXPECT_EQ(stateValue(statePath, "registered") + stateValue(statePath, "last_heartbeat_at"), "00");
 
     server.setStatus(201);
     InstallTracker registered(serverConfig());
     EXPECT_TRUE(registered.sync());
     EXPECT_EQ(registered.installId(), refused.installId());
-    EXPECT_EQ(readStateFile(statePath).at("registered"), "1");
+    EXPECT_EQ(stateValue(statePath, "registered"), "1");
 
     auto const state = readFile(statePath);
     EXPECT_TRUE(InstallTracker(serverConfig()).sync());
@@ -123,7 +117,7 @@ TEST_F(InstallTrackerTest, AFailedEventLeavesTheStateAsItWasAndIsSentAgainWhenDu
     server.setStatus(200);
     EXPECT_TRUE(InstallTracker(serverConfig()).sync());
     EXPECT_EQ(lastLogMessage(), "Install tracking: heartbeat sent");
-    EXPECT_GT(std::stoll(readStateFile(statePath).at("last_heartbeat_at")), secondsNow() - 60);
+    EXPECT_GT(std::stoll(stateValue(statePath, "last_heartbeat_at")), secondsNow() - 60);
     auto const requests = server.requests();
     ASSERT_EQ(requests.size(), 4U);
     EXPECT_EQ(requests[3].body.rfind(R"({"event_type":"install_heartbeat","install_id":"abc",)", 0), 0U);
@@ -137,8 +131,9 @@ TEST_F(InstallTrackerTest, AFailedEventLeavesTheStateAsItWasAndIsSentAgainWhenDu
         EXPECT_EQ(tracker.lastError(), status < 300 ? "" : "tracking endpoint returned HTTP " + std::to_string(status));
     }
     EXPECT_EQ(server.requests().size(), 7U) << "nothing went to the Location of a 3xx";
-    InstallTracker refused(config("http://127.0.0.1:" + std::to_string(test::freeLoopbackPort()) + kEventPath));
-    EXPECT_FALSE(refused.sync());
+    auto unreachable = config("http://127.0.0.1:" + std::to_string(test::freeLoopbackPort()) + kEventPath);
+    unreachable.statePath = dir.file("fresh.state");
+    EXPECT_FALSE(InstallTracker(unreachable).sync());
     EXPECT_EQ(lastLogMessage(), "Install tracking register failed: Couldn't connect to server");
 }
 
@@ -150,7 +145,7 @@ TEST_F(InstallTrackerTest, AnEmptyEndpointOnlyPreparesAPrivateStateAndAnUnsaveab
     InstallTracker tracker(nested);
     EXPECT_TRUE(tracker.sync());
     EXPECT_EQ(lastLogMessage(), "Install tracking: endpoint not configured, state prepared only");
-    EXPECT_EQ(readStateFile(nested.statePath).at("registered"), "0");
+    EXPECT_EQ(stateValue(nested.statePath, "registered"), "0");
     auto const mode = [](std::filesystem::path const& path) { return std::filesystem::status(path).permissions(); };
     EXPECT_EQ(mode(dir.path() / "data"), std::filesystem::perms(0700));
     // A rewrite narrows a file that an older version left readable by others.
@@ -192,7 +187,7 @@ TEST_F(InstallTrackerTest, TheStateFileIsReadLenientlyAndTheHeartbeatIsDueExactl
     EXPECT_TRUE(tracker.shouldSendHeartbeat(1000)) << "not registered";
     load("install_id=\nfirst_seen_at=77\n");
     ASSERT_TRUE(tracker.ensureInstallId());
-    EXPECT_EQ(readStateFile(statePath).at("first_seen_at"), "77"); // kept, not replaced by now
+    EXPECT_EQ(stateValue(statePath, "first_seen_at"), "77"); // kept, not replaced by now
     EXPECT_TRUE(tracker.shouldSendHeartbeat(0)) << "no heartbeat yet";
 }
 
