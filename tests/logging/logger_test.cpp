@@ -1,5 +1,4 @@
 #include "logging/logger.hpp"
-#include "support/fresh_process.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gtest/gtest.h>
@@ -61,15 +60,6 @@ TEST(Logger, KeepsTheNewestEventsUpToTheLimitFiltersByTheLowByteExportsUnescaped
     logger.info("outer");
     EXPECT_EQ(seen, (Messages{"outer", "inner"}));
     EXPECT_TRUE(logger.history().empty()) << "no history, yet observers are told";
-}
-
-TEST(Logger, EmitInfoTakesNullAsTheEmptyText)
-{
-    EXPECT_IN_FRESH_PROCESS({
-        perchftp::logging::emitInfo(nullptr);
-        auto const history = Logger::global().history();
-        CHILD_CHECK(history.size() == 1 && history[0].message.empty() && history[0].level == EventLevel::Info);
-    });
 }
 
 } // namespace
