@@ -192,19 +192,5 @@ TEST(TransferQueueObservers, AreToldEveryChangeEvenWhenOneEnqueuesObservesOrClea
     EXPECT_EQ(laterCalls, 0); // the record is gone, so nobody after the clearing observer sees it
 }
 
-TEST(TransferQueueScheduleOrder, KeepsRunnableJobsByPriorityHighToLowThenByIdWithoutChangingAnything)
-{
-    TransferQueue queue;
-    queue.complete(add(queue, 9), false, "");
-    auto const low = add(queue, 1);
-    auto const high = add(queue, 5);
-    auto const paused = add(queue, 9);
-    auto const negative = add(queue, std::numeric_limits<int>::min());
-    queue.pause(paused);
-    auto const before = queue.snapshot();
-    EXPECT_EQ(queue.scheduleOrder(), (Ids{paused, high, low, negative}));
-    EXPECT_EQ(queue.snapshot(), before);
-}
-
 } // namespace
 } // namespace perchftp::transfer
