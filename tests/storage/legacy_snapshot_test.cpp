@@ -45,7 +45,12 @@ TEST_F(LegacySnapshotTest, ReadsTheHeaderAndEveryFieldOfEachRecordAsItStands)
     EXPECT_EQ(describe(snapshot->profiles[1]), "3|Home|ftp|nas.local|21|||||1|General|011|0|10000|45|1");
 }
 
-TEST_F(LegacySnapshotTest, ReadsHeadersOfEveryShapeAndRefusesTextWithoutTwoLeadingIntegers)
+std::string withCount(char const* count)
+{
+    return std::string(kHeader).replace(2, 1, count);
+}
+
+TEST_F(LegacySnapshotTest, ReadsHeadersOfEveryShapeRefusesTextWithoutTwoIntegersAndStopsAtTheCount)
 {
     EXPECT_EQ(loadText("3 0"), Snapshot{});
     EXPECT_EQ(loadText("-12 0\n"), Snapshot{}); // no version is refused; each becomes 3
@@ -58,15 +63,8 @@ TEST_F(LegacySnapshotTest, ReadsHeadersOfEveryShapeAndRefusesTextWithoutTwoLeadi
     EXPECT_FALSE(loadText("hello world\n").has_value());
     EXPECT_FALSE(loadText("3\nprofiles\n").has_value());
     EXPECT_FALSE(loadLegacySnapshotFromPath(dir.file("missing")).has_value());
-}
 
-std::string withCount(char const* count)
-{
-    return std::string(kHeader).replace(2, 1, count);
-}
-
-TEST_F(LegacySnapshotTest, TheCountAndTheFirstBrokenRecordEndTheReadingAndTheRecordsBeforeStand)
-{
+    // The count and the first broken record end the reading; the records before it stand.
     std::string cutAfterStatus = kHomeRecord;
     cutAfterStatus.resize(cutAfterStatus.find("1\n\nyes") + 2);
     auto const cut = loadText(std::string(kHeader) + kOfficeRecord + cutAfterStatus);
