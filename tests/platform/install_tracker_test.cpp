@@ -45,7 +45,8 @@ class InstallTrackerTest : public testing::Test {
 protected:
     InstallTrackerConfig config(std::string endpoint) const
     {
-        return {statePath, std::move(endpoint), "0.1.0", "linux", "", std::chrono::hours(72)};
+        return {statePath, std::move(endpoint), "1.0 \x01", "linux", "line one\nline two\t\"quoted\" back\\slash\r\f",
+                std::chrono::hours(72)};
     }
     InstallTrackerConfig serverConfig() const { return config(server.url(kEventPath)); }
 
@@ -55,41 +56,12 @@ protected:
     test::HttpRecorder server;
 };
 
-TEST_F(InstallTrackerTest, AFirstStartMakesAnIdAndRegistersItWithOneJsonPostEscapingExactlyFiveCharacters)
-{
-    auto withSource = serverConfig();
-    withSource.installSource = "line one\nline two\t\"quoted\" back\\slash\r\f";
-    withSource.appVersion = "1.0 \x01";
-    InstallTracker tracker(std::move(withSource));
-    auto const before = secondsNow();
-    ASSERT_TRUE(tracker.sync()) << tracker.lastError();
-    EXPECT_EQ(tracker.lastError(), "");
-    EXPECT_EQ(lastLogMessage(), "Install tracking: install registered");
-    auto const id = tracker.installId();
-    EXPECT_TRUE(std::regex_match(id, std::regex("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}"))) << id;
-
-    auto const firstSeen = std::stoll(stateValue(statePath, "first_seen_at"));
-    auto const lastHeartbeat = std::stoll(stateValue(statePath, "last_heartbeat_at"));
-    EXPECT_TRUE(firstSeen >= before && lastHeartbeat >= firstSeen);
-    EXPECT_EQ(readFile(statePath), "install_id=" + id + "\nfirst_seen_at=" + std::to_string(firstSeen)
-                                       + "\nlast_heartbeat_at=" + std::to_string(lastHeartbeat) + "\nregistered=1\n");
-
-    auto const requests = server.requests();
-    ASSERT_EQ(requests.size(), 1U);
-    EXPECT_EQ(requests[0].method + " " + requests[0].path, std::string("POST ") + kEventPath);
-    EXPECT_NE(requests[0].headers.find("Content-Type: application/json"), std::string::npos) << requests[0].headers;
-    // The heartbeat clock starts at the registration's sent_at.
-    EXPECT_EQ(requests[0].body, R"({"event_type":"install_registered","install_id":")" + id + R"(","app_version":"1.0 )"
-                                    "\x01" R"(","platform":"linux","install_source":"line one\nline two\t\"quoted\" back\\slash\r)"
-                                    "\f" R"(","first_seen_at":)" + std::to_string(firstSeen) + R"(,"sent_at":)"
-                                    + std::to_string(lastHeartbeat) + "}");
-}
-
 // One install over several starts: only an accepted event changes the state file.
-TEST_F(InstallTrackerTest, AFailedEventLeavesTheStateAsItWasAndIsSentAgainWhenDueAndOnly2xxIsAccepted)
+TEST_F(InstallTrackerTest, AnIdIsRegisteredByOneJsonPostUntilAcceptedAndAHeartbeatFollowsWhenDue)
 {
     server.setStatus(500);
     InstallTracker refused(serverConfig());
+    auto const before = secondsNow();
     EXPECT_FALSE(refused.sync());
     EXPECT_EQ(refused.lastError(), "tracking endpoint returned HTTP 500");
     EXPECT_EQ(lastLogMessage(), "Install tracking register failed: tracking endpoint returned HTTP 500");
@@ -97,9 +69,25 @@ TEST_F(InstallTrackerTest, AFailedEventLeavesTheStateAsItWasAndIsSentAgainWhenDu
 
     server.setStatus(201);
     InstallTracker registered(serverConfig());
-    EXPECT_TRUE(registered.sync());
-    EXPECT_EQ(registered.installId(), refused.installId());
-    EXPECT_EQ(stateValue(statePath, "registered"), "1");
+    ASSERT_TRUE(registered.sync()) << registered.lastError();
+    EXPECT_EQ(registered.lastError(), "");
+    EXPECT_EQ(lastLogMessage(), "Install tracking: install registered");
+    auto const id = registered.installId();
+    EXPECT_EQ(id, refused.installId());
+    EXPECT_TRUE(std::regex_match(id, std::regex("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}"))) << id;
+    auto const firstSeen = std::stoll(stateValue(statePath, "first_seen_at"));
+    auto const lastHeartbeat = std::stoll(stateValue(statePath, "last_heartbeat_at"));
+    EXPECT_TRUE(firstSeen >= before && lastHeartbeat >= firstSeen);
+    EXPECT_EQ(readFile(statePath), "install_id=" + id + "\nfirst_seen_at=" + std::to_string(firstSeen)
+                                       + "\nlast_heartbeat_at=" + std::to_string(lastHeartbeat) + "\nregistered=1\n");
+    auto const registration = server.requests().at(1);
+    EXPECT_EQ(registration.method + " " + registration.path, std::string("POST ") + kEventPath);
+    EXPECT_NE(registration.headers.find("Content-Type: application/json"), std::string::npos) << registration.headers;
+    // Exactly five characters are escaped. The heartbeat clock starts at the registration's sent_at.
+    EXPECT_EQ(registration.body, R"({"event_type":"install_registered","install_id":")" + id + R"(","app_version":"1.0 )"
+                                     "\x01" R"(","platform":"linux","install_source":"line one\nline two\t\"quoted\" back\\slash\r)"
+                                     "\f" R"(","first_seen_at":)" + std::to_string(firstSeen) + R"(,"sent_at":)"
+                                     + std::to_string(lastHeartbeat) + "}");
 
     auto const state = readFile(statePath);
     EXPECT_TRUE(InstallTracker(serverConfig()).sync());
