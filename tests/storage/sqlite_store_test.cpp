@@ -29,9 +29,6 @@ Snapshot withProfiles(std::vector<SiteProfile> profiles)
     return snapshot;
 }
 
-// Two profiles with one id: the second insert breaks the save's transaction.
-Snapshot const kUnsaveable = withProfiles({makeProfile(4, "x.example"), makeProfile(4, "y.example")});
-
 class SqliteStoreTest : public testing::Test {
 protected:
     std::string databasePath() const { return dir.file("perchftp-sites.db"); }
@@ -168,7 +165,7 @@ TEST_F(SqliteStoreTest, AnyOtherFileAtThePathIsDeletedBySaveEvenWhenTheSaveThenF
     fs::remove(databasePath());
     test::writeFile(databasePath(), kLegacyText);
     EXPECT_EQ(store()->load()->profiles.at(0).secretRef, "hunter2");
-    EXPECT_FALSE(store()->save(kUnsaveable));
+    EXPECT_FALSE(store()->save(withProfiles({makeProfile(4, "x"), makeProfile(4, "y")}))) << "one id twice";
     EXPECT_EQ(store()->load(), Snapshot{}) << "the legacy content is gone";
 }
 
