@@ -41,9 +41,9 @@ TEST(Logger, KeepsTheNewestEventsUpToTheLimitFiltersByTheLowByteExportsUnescaped
     perchftp::test::writeFile(path, "old content that must go\n");
     ASSERT_TRUE(logger.exportToFile(path));
     auto const history = logger.history();
-    EXPECT_EQ(perchftp::test::readFile(path), std::to_string(history[0].timestampMs) + ",0,2501\n"
-                                                 + std::to_string(history[1].timestampMs) + ",1,comma, and\nbreak\n"
-                                                 + std::to_string(history[2].timestampMs) + ",258,odd\n");
+    auto const stamp = [&history](std::size_t index) { return std::to_string(history[index].timestampMs); };
+    EXPECT_EQ(perchftp::test::readFile(path),
+              stamp(0) + ",0,2501\n" + stamp(1) + ",1,comma, and\nbreak\n" + stamp(2) + ",258,odd\n");
     EXPECT_GT(history[0].timestampMs, 1700000000000U) << "milliseconds since the epoch";
     EXPECT_FALSE(logger.exportToFile(""));
     EXPECT_FALSE(logger.exportToFile(dir.file("missing/log.txt")));

@@ -45,8 +45,8 @@ class InstallTrackerTest : public testing::Test {
 protected:
     InstallTrackerConfig config(std::string endpoint) const
     {
-        return {statePath, std::move(endpoint), "1.0 \x01", "linux", "line one\nline two\t\"quoted\" back\\slash\r\f",
-                std::chrono::hours(72)};
+        return {statePath, std::move(endpoint), "1.0 \x01", "linux",
+                "line one\nline two\t\"quoted\" back\\slash\r\f", std::chrono::hours(72)};
     }
     InstallTrackerConfig serverConfig() const { return config(server.url(kEventPath)); }
 

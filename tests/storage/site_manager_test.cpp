@@ -131,19 +131,22 @@ TEST(SiteProfileRepair, FillsEmptyOrOutOfRangeSettingsAndProfileFieldsAndKeepsTh
     settings.retryLimit = 0;
     auto const snapshot = applyDefaults(settings);
     EXPECT_EQ(snapshot.version, 3);
-    EXPECT_EQ(test::describe(snapshot.settings), "1|-7|0|1|sftp|30000|0|{}"); // log level 0, not the default 2
+    // Log level 0, not the default 2; the counts are left as they are.
+    EXPECT_EQ(test::describe(snapshot.settings), "1|-7|0|1|sftp|30000|0|{}");
 
     auto profile = makeProfile(0, " h ");
     profile.group = "   ";
     profile.transferMode = static_cast<TransferMode>(3);
     profile.connectTimeoutMs = 0;
     profile.transferTimeoutMs = -3;
-    for (auto const& [port, kept] : std::vector<std::pair<int, int>>{{0, 21}, {1, 1}, {65535, 65535}, {65536, 21}}) {
+    for (auto const& [port, kept] :
+         std::vector<std::pair<int, int>>{{0, 21}, {1, 1}, {65535, 65535}, {65536, 21}}) {
         profile.port = port;
         normalizeSiteProfile(profile);
         EXPECT_EQ(profile.port, kept) << port;
     }
-    EXPECT_EQ(test::describe(profile), "0|Site 0|sftp| h |21|ana|pw-0|/home/ana|/srv/www|1|   |000|0|10000|60000|1");
+    EXPECT_EQ(test::describe(profile),
+              "0|Site 0|sftp| h |21|ana|pw-0|/home/ana|/srv/www|1|   |000|0|10000|60000|1");
 }
 
 TEST(SiteManagerSnapshot, LoadingKeepsOrderAndOddIdsDropsInvalidOnesAndLetsTheFirstDuplicateWin)
