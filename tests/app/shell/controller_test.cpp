@@ -184,8 +184,29 @@ TEST_F(ShellController, APopupFloatsCentredAndGoesSixHundredMillisecondsAfterThe
     EXPECT_EQ(controller().statusPopupWindow(), nullptr) << "updates without a popup do nothing";
 }
 
-TEST_F(ShellController, ControlsAndTheOneConnectButtonFollowTheSessionsOwnAnswer)
+TEST_F(ShellController, TheQueueSummaryCountsItsJobsAndTheControlsFollowTheSessionsOwnAnswer)
 {
+    controller().logMessage("Connected to example.org");
+    controller().logMessage("Remote list failed: ftp: denied");
+    EXPECT_EQ(controller().queueLog()->toPlainText(), "Connected to example.org\nRemote list failed: ftp: denied");
+
+    transfer::TransferQueue& queue = controller().transferQueue().queue();
+    queue.simulateProgress(enqueue("running"), 10, 100);
+    queue.complete(enqueue("completed"), true, "");
+    queue.complete(enqueue("failed"), false, "ftp: broken pipe");
+    queue.skip(enqueue("skipped"), "exists");
+    enqueue("queued");
+    controller().reloadQueueSummary();
+    EXPECT_EQ(controller().queueSummary()->text(), "Queue: 5 total | Running: 1 | Completed: 1 | Failed: 1");
+    EXPECT_TRUE(controller().clearQueueButton()->isEnabled());
+    EXPECT_EQ(controller().queueTable()->model()->rowCount(), 5);
+
+    controller().clearQueueButton()->click();
+    EXPECT_EQ(controller().queueSummary()->text(), "Queue: 0 total | Running: 0 | Completed: 0 | Failed: 0");
+    EXPECT_FALSE(controller().clearQueueButton()->isEnabled());
+    EXPECT_EQ(controller().queueTable()->model()->rowCount(), 0);
+    EXPECT_EQ(banner(), QStringLiteral("✅ Transfer queue cleared."));
+
     controller().setStatusText(QStringLiteral("Remote list failed: ftp: nope"), true);
     EXPECT_EQ(banner(), "⚠️ Remote list failed: ftp: nope");
     EXPECT_TRUE(controller().statusBanner()->showsError());
@@ -225,31 +246,7 @@ TEST_F(ShellController, ControlsAndTheOneConnectButtonFollowTheSessionsOwnAnswer
     EXPECT_EQ(disconnects, 1);
 }
 
-TEST_F(ShellController, TheQueueSummaryCountsItsJobsClearingEmptiesItAndLogLinesKeepTheirOrder)
-{
-    controller().logMessage("Connected to example.org");
-    controller().logMessage("Remote list failed: ftp: denied");
-    EXPECT_EQ(controller().queueLog()->toPlainText(), "Connected to example.org\nRemote list failed: ftp: denied");
-
-    transfer::TransferQueue& queue = controller().transferQueue().queue();
-    queue.simulateProgress(enqueue("running"), 10, 100);
-    queue.complete(enqueue("completed"), true, "");
-    queue.complete(enqueue("failed"), false, "ftp: broken pipe");
-    queue.skip(enqueue("skipped"), "exists");
-    enqueue("queued");
-    controller().reloadQueueSummary();
-    EXPECT_EQ(controller().queueSummary()->text(), "Queue: 5 total | Running: 1 | Completed: 1 | Failed: 1");
-    EXPECT_TRUE(controller().clearQueueButton()->isEnabled());
-    EXPECT_EQ(controller().queueTable()->model()->rowCount(), 5);
-
-    controller().clearQueueButton()->click();
-    EXPECT_EQ(controller().queueSummary()->text(), "Queue: 0 total | Running: 0 | Completed: 0 | Failed: 0");
-    EXPECT_FALSE(controller().clearQueueButton()->isEnabled());
-    EXPECT_EQ(controller().queueTable()->model()->rowCount(), 0);
-    EXPECT_EQ(banner(), QStringLiteral("✅ Transfer queue cleared."));
-}
-
-TEST_F(ShellController, ReturnInAnyFieldOfTheFormConnectsAsConnectDoes)
+TEST_F(ShellController, ReturnConnectsTheWheelWaitsForTheFocusAndTabWalksTheWindowInReadingOrder)
 {
     controller().hostField()->clear();
     for (QWidget* field : std::initializer_list<QWidget*>{controller().hostField(), controller().userField(),
@@ -260,12 +257,8 @@ TEST_F(ShellController, ReturnInAnyFieldOfTheFormConnectsAsConnectDoes)
         QTest::keyClick(field, Qt::Key_Return);
         EXPECT_EQ(banner(), "⚠️ Host and port are required to connect.");
     }
-}
 
-TEST_F(ShellController, TheWheelChangesTheProtocolOnlyOnceTheSelectorHasTheFocus)
-{
     QComboBox* protocol = controller().protocolField();
-    EXPECT_EQ(protocol->focusPolicy(), Qt::StrongFocus) << "the wheel must not take the focus";
     controller().portField()->setText(QStringLiteral("2121"));
     focus(controller().hostField());
     auto const scroll = [&] {
@@ -282,6 +275,48 @@ TEST_F(ShellController, TheWheelChangesTheProtocolOnlyOnceTheSelectorHasTheFocus
     focus(protocol);
     scroll();
     EXPECT_EQ(protocol->currentText(), "ftps") << "with the focus the wheel chooses";
+
+    for (QWidget* widget : window()->findChildren<QWidget*>()) {
+        if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisibleTo(window())) {
+            continue;
+        }
+        auto* button = qobject_cast<QAbstractButton*>(widget);
+        bool const named = !widget->accessibleName().isEmpty() || (button && !button->text().isEmpty());
+        EXPECT_TRUE(named) << widget->metaObject()->className() << " " << widget->objectName().toStdString()
+                           << " has no name";
+    }
+
+    // Tab from the host field back to it, as a keyboard user goes round.
+    QLineEdit* host = controller().hostField();
+    focus(host);
+    QList<QWidget*> visited{host};
+    for (int press = 0; press < 80; ++press) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        if (QApplication::focusWidget() == host) {
+            break;
+        }
+        visited.append(QApplication::focusWidget());
+    }
+    ASSERT_EQ(QApplication::focusWidget(), host) << "Tab goes round the window";
+    app::PerchPaneSplitView* split = controller().paneSplitView();
+    QList<QWidget*> const readingOrder{host, controller().userField(), controller().secretField(),
+        controller().portField(), controller().protocolField(), controller().openSavedConnectionButton(),
+        controller().saveConnectionButton(), controller().reportBugButton(), local().pathField(),
+        local().upButton(), local().deleteButton(), local().uploadButton(), local().tableView(),
+        split->rightArrowButton(), split->leftArrowButton(), remote().pathField(), remote().upButton(),
+        remote().downloadButton(), remote().tableView(), controller().queueTable()};
+    qsizetype place = -1;
+    for (QWidget* widget : readingOrder) {
+        qsizetype const at = visited.indexOf(widget);
+        EXPECT_GT(at, place) << widget->accessibleName().toStdString() << " " << widget->objectName().toStdString()
+                             << " is out of order or not reached";
+        place = std::max(place, at);
+    }
+
+    // Space presses the arrow that has the focus.
+    focus(split->rightArrowButton());
+    QTest::keyClick(split->rightArrowButton(), Qt::Key_Space);
+    EXPECT_EQ(banner(), "⚠️ Select one or more local files or folders to upload.");
 }
 
 TEST_F(ShellController, EveryLabelOfTheWindowAndEveryFileTipShowsItsWordsAsTyped)
@@ -355,51 +390,6 @@ TEST_F(ShellController, EditItemsCopyPathsAndSelectAllInAFileListWorkInFieldsAnd
     EXPECT_EQ(host->text(), "example.orgexample.org");
     qInstallMessageHandler(previous);
     EXPECT_EQ(logged, QStringList());
-}
-
-TEST_F(ShellController, EveryControlHasANameAndTabWalksTheWindowInReadingOrder)
-{
-    for (QWidget* widget : window()->findChildren<QWidget*>()) {
-        if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisibleTo(window())) {
-            continue;
-        }
-        auto* button = qobject_cast<QAbstractButton*>(widget);
-        bool const named = !widget->accessibleName().isEmpty() || (button && !button->text().isEmpty());
-        EXPECT_TRUE(named) << widget->metaObject()->className() << " " << widget->objectName().toStdString()
-                           << " has no name";
-    }
-
-    // Tab from the host field back to it, as a keyboard user goes round.
-    QLineEdit* host = controller().hostField();
-    focus(host);
-    QList<QWidget*> visited{host};
-    for (int press = 0; press < 80; ++press) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        if (QApplication::focusWidget() == host) {
-            break;
-        }
-        visited.append(QApplication::focusWidget());
-    }
-    ASSERT_EQ(QApplication::focusWidget(), host) << "Tab goes round the window";
-    app::PerchPaneSplitView* split = controller().paneSplitView();
-    QList<QWidget*> const readingOrder{host, controller().userField(), controller().secretField(),
-        controller().portField(), controller().protocolField(), controller().openSavedConnectionButton(),
-        controller().saveConnectionButton(), controller().reportBugButton(), local().pathField(),
-        local().upButton(), local().deleteButton(), local().uploadButton(), local().tableView(),
-        split->rightArrowButton(), split->leftArrowButton(), remote().pathField(), remote().upButton(),
-        remote().downloadButton(), remote().tableView(), controller().queueTable()};
-    qsizetype place = -1;
-    for (QWidget* widget : readingOrder) {
-        qsizetype const at = visited.indexOf(widget);
-        EXPECT_GT(at, place) << widget->accessibleName().toStdString() << " " << widget->objectName().toStdString()
-                             << " is out of order or not reached";
-        place = std::max(place, at);
-    }
-
-    // Space presses the arrow that has the focus.
-    focus(split->rightArrowButton());
-    QTest::keyClick(split->rightArrowButton(), Qt::Key_Space);
-    EXPECT_EQ(banner(), "⚠️ Select one or more local files or folders to upload.");
 }
 
 // Start-up: where the site data is read from and written back, what fills the form, the window
