@@ -143,6 +143,8 @@ TEST(FolderChooserProcess, ZenityComesFirstKdialogServesWithoutItAndTheStartFold
     EXPECT_FALSE(FolderChooser::run(QStringLiteral("/"), QStringLiteral("p")).started);
 }
 
+// The started shell with the desktop's folder chooser replaced, and a folder for the places a
+// test picks.
 class HelpWorkflows : public StartedShellTest {
 protected:
     void SetUp() override { startShell(); }
@@ -151,7 +153,16 @@ protected:
     bool bannerIsError() { return controller().statusBanner()->showsError(); }
     std::string logPath() const { return (folders().baseFolder() + "/bug-reports.log").toStdString(); }
     ScriptedShellDialogs::Question const& lastQuestion() { return dialogs().questions().back(); }
+    QString place(char const* name)
+    {
+        std::filesystem::create_directories(places.path() / name);
+        return QString::fromStdString((places.path() / name).string());
+    }
+
+    FakeFolderChooser chooser;
+    TempDir places;
 };
+using FolderPicker = HelpWorkflows;
 
 // The log with the first line of each record (the time) checked for its form and cut away.
 std::string withoutTimestamps(std::string const& log)
@@ -233,18 +244,6 @@ TEST_F(HelpWorkflows, TheAboutPanelShowsTheBuildsVersionFallsBackWhenItIsEmptyAn
     QCoreApplication::setOrganizationName(organisation);
     QCoreApplication::setApplicationVersion(version);
 }
-
-class FolderPicker : public HelpWorkflows {
-protected:
-    FakeFolderChooser chooser;
-    TempDir places;
-
-    QString place(char const* name)
-    {
-        std::filesystem::create_directories(places.path() / name);
-        return QString::fromStdString((places.path() / name).string());
-    }
-};
 
 TEST_F(FolderPicker, AChosenFolderOpensAndIsRememberedAndThePaneFallsBackToTheDialogAfterACancel)
 {
