@@ -99,9 +99,11 @@ protected:
     {
         startShell();
         // Let the start-up's own popup go, so that each test sees only its own, and wait for the
-        // main window that the popups float in.
+        // main window that the popups float in. Until the window is exposed its backing store has
+        // no size, and a popup painted meanwhile is painted nowhere.
         ASSERT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
         ASSERT_TRUE(waitUntil([&] { return controller().hostWindow()->isVisible(); }));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(controller().hostWindow()));
         seen_ = std::make_unique<WhatTheUserSees>(controller());
     }
     // Ends the shell as the program's end would and starts it again on the same folders.
