@@ -1,9 +1,11 @@
-// The Help menu's workflows (bug report, about panel) and the local folder picker through the
-// real shell, with the desktop's chooser replaced by a script.
+// The desktop's folder chooser as a child process and the verdict read from how it ended, and the
+// Help menu's workflows (bug report, about panel) and the local folder picker through the real
+// shell, with the chooser replaced by a script.
+#include "app/desktop/bug_report_log.hpp"
+#include "app/desktop/folder_chooser.hpp"
 #include "app/desktop_shell.hpp"
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/status/status_banner.hpp"
-#include "desktop/fake_folder_chooser.hpp"
 #include "support/started_shell.hpp"
 #include "support/temp_dir.hpp"
 
@@ -15,12 +17,134 @@
 #include <QLineEdit>
 #include <QRegularExpression>
 #include <QSettings>
+#include <QTimeZone>
 
 #include <filesystem>
 
 namespace perchftp::test {
 namespace {
 
+using app::FolderChoice;
+
+// Stands in for the desktop's folder chooser: while it lives, PATH holds only its own folder, in
+// which `install("zenity")` or `install("kdialog")` puts a script that records its arguments and
+// answers with the output, error text, exit status or signal the test sets.
+class FakeFolderChooser {
+public:
+    FakeFolderChooser()
+    {
+        std::filesystem::create_directories(dir_.path() / "bin");
+        qputenv("PATH", QByteArray::fromStdString((dir_.path() / "bin").string()));
+        qputenv("FAKE_CHOOSER_ARGS", QByteArray::fromStdString(dir_.file("args")));
+    }
+    ~FakeFolderChooser() { qputenv("PATH", savedPath_); }
+    FakeFolderChooser(FakeFolderChooser const&) = delete;
+    FakeFolderChooser& operator=(FakeFolderChooser const&) = delete;
+
+    // A broken one is not a program at all, so that starting it fails.
+    void install(std::string const& program, bool broken = false)
+    {
+        std::filesystem::path const path = dir_.path() / "bin" / program;
+        writeFile(path, broken ? std::string("\x7f" "ELF garbage", 12)
+                               : "#!/bin/sh\n"
+                                 "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$FAKE_CHOOSER_ARGS\"\n"
+                                 "printf '%s' \"$FAKE_CHOOSER_OUT\"\n"
+                                 "printf '%s' \"$FAKE_CHOOSER_ERR\" >&2\n"
+                                 "[ -n \"$FAKE_CHOOSER_SIGNAL\" ] && kill -\"$FAKE_CHOOSER_SIGNAL\" $$\n"
+                                 "exit \"${FAKE_CHOOSER_EXIT:-0}\"\n");
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    }
+    // Every answer replaces the whole previous one; `signal` (e.g. "KILL") ends the script with it.
+    void answer(QByteArray const& output, QByteArray const& error = {}, int exitStatus = 0, char const* signal = "")
+    {
+        qputenv("FAKE_CHOOSER_OUT", output);
+        qputenv("FAKE_CHOOSER_ERR", error);
+        qputenv("FAKE_CHOOSER_EXIT", QByteArray::number(exitStatus));
+        qputenv("FAKE_CHOOSER_SIGNAL", signal);
+    }
+    // The arguments of the last run, one a line.
+    QStringList arguments() const
+    {
+        return QString::fromStdString(readFile(dir_.file("args"))).split(u'\n', Qt::SkipEmptyParts);
+    }
+
+private:
+    TempDir dir_;
+    QByteArray savedPath_ = qgetenv("PATH");
+};
+
+app::FolderChooserRun ended(int status, QString out, QString err, bool crashed = false)
+{
+    return {true, {}, crashed, status, std::move(out), std::move(err)};
+}
+
+QString const kGtkNoise = QStringLiteral(
+    "(zenity:4242): Gtk-WARNING **: 10:11:12.131: Theme parsing error: gtk.css:1:0: unknown\n"
+    "Gtk-Message: 10:11:12.140: GtkDialog mapped without a transient parent. This is discouraged.\n"
+    "(zenity:4242): dbind-WARNING **: 10:11:12.150: AT-SPI: Error retrieving accessibility bus address");
+
+// What each verdict shows the user, and the verdicts of a denial beside a cancel, of a cancel
+// under toolkit chatter and of other statuses, are pinned by the picker's ladder below.
+TEST(FolderChooserVerdict, FollowsTheLadderInItsOrderAndKeepsOnlyMeaningfulErrors)
+{
+    struct Case {
+        char const* what;
+        app::FolderChooserRun run;
+        FolderChoice expected;
+    } const cases[] = {
+        {"a chosen folder beside a permission word", ended(0, "/srv/x\n", "permission"), FolderChoice::Opened},
+        {"exit 0 without a path but a permission complaint", ended(0, "", "Not Permitted here"),
+            FolderChoice::PermissionBlocked},
+        {"exit 0 with nothing", ended(0, "  \n", ""), FolderChoice::Canceled},
+        {"a cancel in the error text", ended(1, "", "execution error: User canceled. (-128)"), FolderChoice::Canceled},
+        {"a crash, even after printing a path", ended(0, "/srv/x\n", "", true), FolderChoice::Failed},
+    };
+    for (auto const& c : cases) {
+        EXPECT_EQ(app::judgeFolderChooserRun(c.run).choice, c.expected) << c.what;
+    }
+
+    auto const opened = app::judgeFolderChooserRun(ended(0, "  /home/ann/./Music/../Films/\n", kGtkNoise));
+    EXPECT_EQ(opened.path, QStringLiteral("/home/ann/Films"));
+    EXPECT_EQ(opened.errorText, QString());
+    auto const noDisplay = app::judgeFolderChooserRun(
+        ended(1, "", kGtkNoise + "\n(zenity:9): Gtk-WARNING **: 10:00:00.000: cannot open display: "));
+    EXPECT_EQ(noDisplay.choice, FolderChoice::Failed);
+    EXPECT_TRUE(noDisplay.errorText.contains(QStringLiteral("cannot open display")));
+    EXPECT_FALSE(noDisplay.errorText.contains(QStringLiteral("Theme parsing")));
+}
+
+TEST(FolderChooserProcess, ZenityComesFirstKdialogServesWithoutItAndTheStartFolderTravelsIntact)
+{
+    using app::FolderChooser;
+    FakeFolderChooser chooser;
+    auto run = FolderChooser::run(QStringLiteral("/"), QStringLiteral("p"));
+    EXPECT_FALSE(run.started);
+    EXPECT_FALSE(run.launchError.isEmpty());
+
+    chooser.install("kdialog");
+    chooser.answer({}, {}, 1);
+    run = FolderChooser::run(QStringLiteral("/srv/it's"), QStringLiteral("Pick"));
+    ASSERT_TRUE(run.started);
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(chooser.arguments(), (QStringList{"--title", "Pick", "--getexistingdirectory", "/srv/it's"}));
+
+    chooser.install("zenity");
+    QString const start = QStringLiteral(R"(/tmp/a "quoted" \back\slash's $HOME `x`)");
+    chooser.answer("/picked/folder\n");
+    run = FolderChooser::run(start, QStringLiteral("Select a local folder"));
+    EXPECT_EQ(run.standardOutput, QStringLiteral("/picked/folder\n"));
+    EXPECT_EQ(chooser.arguments(),
+        (QStringList{"--file-selection", "--directory", "--title", "Select a local folder", "--filename", start + "/"}));
+    chooser.answer(QByteArray("/bad\xff\xfe"));
+    EXPECT_EQ(FolderChooser::run(start, QStringLiteral("p")).standardOutput, QString())
+        << "output that is not UTF-8 is taken as empty";
+
+    chooser.install("zenity", true);
+    EXPECT_FALSE(FolderChooser::run(QStringLiteral("/"), QStringLiteral("p")).started);
+}
+
+// The started shell with the desktop's folder chooser replaced, and a folder for the places a
+// test picks.
 class HelpWorkflows : public StartedShellTest {
 protected:
     void SetUp() override { startShell(); }
@@ -29,7 +153,16 @@ protected:
     bool bannerIsError() { return controller().statusBanner()->showsError(); }
     std::string logPath() const { return (folders().baseFolder() + "/bug-reports.log").toStdString(); }
     ScriptedShellDialogs::Question const& lastQuestion() { return dialogs().questions().back(); }
+    QString place(char const* name)
+    {
+        std::filesystem::create_directories(places.path() / name);
+        return QString::fromStdString((places.path() / name).string());
+    }
+
+    FakeFolderChooser chooser;
+    TempDir places;
 };
+using FolderPicker = HelpWorkflows;
 
 // The log with the first line of each record (the time) checked for its form and cut away.
 std::string withoutTimestamps(std::string const& log)
@@ -41,6 +174,12 @@ std::string withoutTimestamps(std::string const& log)
 
 TEST_F(HelpWorkflows, BugReportsAreAppendedWhenGivenWithTheFormsStateAndNeverItsSecret)
 {
+    // The time stamp carries the zone as signed digits.
+    for (auto const& [offset, zone] : {std::pair{3600, "+0100"}, {0, "+0000"}, {-(3 * 3600 + 30 * 60), "-0330"}}) {
+        QDateTime const at(QDate(2026, 3, 7), QTime(9, 5, 3), QTimeZone(offset));
+        EXPECT_EQ(app::bugReportTimestamp(at), QStringLiteral("2026-03-07 09:05:03 ") + QLatin1String(zone));
+    }
+
     QString const kTemplate =
         QStringLiteral("What happened?\n\nSteps to reproduce:\n1. \n2. \n\nExpected result:\nActual result:\n");
     dialogs().expectText(std::nullopt);
@@ -106,18 +245,6 @@ TEST_F(HelpWorkflows, TheAboutPanelShowsTheBuildsVersionFallsBackWhenItIsEmptyAn
     QCoreApplication::setApplicationVersion(version);
 }
 
-class FolderPicker : public HelpWorkflows {
-protected:
-    FakeFolderChooser chooser;
-    TempDir places;
-
-    QString place(char const* name)
-    {
-        std::filesystem::create_directories(places.path() / name);
-        return QString::fromStdString((places.path() / name).string());
-    }
-};
-
 TEST_F(FolderPicker, AChosenFolderOpensAndIsRememberedAndThePaneFallsBackToTheDialogAfterACancel)
 {
     chooser.install("zenity");
@@ -126,7 +253,7 @@ TEST_F(FolderPicker, AChosenFolderOpensAndIsRememberedAndThePaneFallsBackToTheDi
     QString const music = place("Music");
     chooser.answer((music + "/\n").toUtf8(), "(zenity:1): Gtk-WARNING **: 10:00:00.000: theme noise");
     controller().openLocalFolder();
-    EXPECT_EQ(chooser.arguments().value(5), odd + "/") << "the start folder reaches the chooser intact";
+    EXPECT_EQ(chooser.arguments().value(5), odd + "/") << "the pane's folder is where the chooser starts";
     EXPECT_EQ(controller().localPane()->pathValue(), music);
     EXPECT_EQ(bannerText(), QStringLiteral("✅ Opened local folder: ") + music);
     EXPECT_EQ(QSettings(QStringLiteral("PerchFtp"), QStringLiteral("PerchFtp")).value("PerchFtpLastLocalPanePath").toString(),
@@ -159,16 +286,16 @@ TEST_F(FolderPicker, EachRungOfTheLadderHasItsOwnAlertAndBanner)
         QString alertText;  // a part of the text
         QString banner;
     } const rows[] = {
-        {"", {}, 0, nullptr, "Unable to open folder picker", unableText, "⚠️ Unable to open local folder picker."},
-        {"zenity", "Operation not permitted; user canceled", 1, nullptr, "Folder access permission required",
+        {"", {}, 0, "", "Unable to open folder picker", unableText, "⚠️ Unable to open local folder picker."},
+        {"zenity", "Operation not permitted; user canceled", 1, "", "Folder access permission required",
             "The desktop blocked folder access or automation for the folder chooser. Check Privacy & Security "
             "settings and try again.",
             "⚠️ The desktop blocked folder chooser access."},
-        {"zenity", "(zenity:7): Gtk-Message: 10:00:00.000: GtkDialog mapped without a transient parent.", 1, nullptr,
-            {}, {}, "✅ Folder selection canceled."},
-        {"zenity", "(zenity:9): Gtk-WARNING **: 10:00:00.000: cannot open display: :99", 1, nullptr,
+        {"zenity", "(zenity:7): Gtk-Message: 10:00:00.000: GtkDialog mapped without a transient parent.", 1, "", {},
+            {}, "✅ Folder selection canceled."},
+        {"zenity", "(zenity:9): Gtk-WARNING **: 10:00:00.000: cannot open display: :99", 1, "",
             "Folder chooser failed", "cannot open display", "⚠️ Folder chooser failed."},
-        {"zenity", {}, 5, nullptr, "Folder chooser failed", "The desktop folder chooser did not return a folder.",
+        {"zenity", {}, 5, "", "Folder chooser failed", "The desktop folder chooser did not return a folder.",
             "⚠️ Folder chooser failed."},
         {"zenity", {}, 0, "KILL", "Folder chooser failed", "The folder chooser stopped unexpectedly.",
             "⚠️ Folder chooser failed."},

@@ -56,11 +56,6 @@ QImage photographXScreen()
     return QImage(xcb_get_image_data(reply.get()), width, height, width * 4, QImage::Format_RGB32).copy();
 }
 
-QImage photographScreen()
-{
-    return QGuiApplication::platformName() == QLatin1String("xcb") ? photographXScreen() : westonScreen();
-}
-
 // How much of the label's place in a picture of the screen agrees with a fresh rendering of its
 // window there: the share of equal pixels, 0 when the place is not in the picture.
 double shareDrawnAsRendered(QImage const& screen, QPoint windowOrigin, QLabel* label)
@@ -143,7 +138,7 @@ TEST_F(PopupOnScreen, APopupIsOnScreenWithItsWordsWhileAListingStalls)
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        screen = photographScreen();
+        screen = platform == QLatin1String("xcb") ? photographXScreen() : westonScreen();
         server.kill();
     });
     controller().refreshSession();

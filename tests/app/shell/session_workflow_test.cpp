@@ -1,16 +1,29 @@
-// Connecting, browsing and disconnecting through the real controller against real servers: FTP,
-// FTPS (implicit TLS) and SFTP. FTPS and SFTP need root: FTPS to trust its test authority in a
-// private mount namespace of this test process, SFTP to create a throwaway system user for OpenSSH.
-#include "session_shell_test.hpp"
+// Connecting, browsing and disconnecting over FTP against a real loopback server, and saving,
+// opening, editing and deleting saved connections in a real site database of the test's own, all
+// through the real controller. The other protocols' sessions are walked by the protocol tests.
+#include "app/pane/perch_file_pane_controller.hpp"
+#include "app/pane/perch_pane_table_model.hpp"
+#include "app/saved_connection_items.hpp"
+#include "app/shell_controller.hpp"
+#include "app/status/connect_button.hpp"
+#include "support/qt_printers.hpp"
 #include "support/servers/ftp_test_server.hpp"
-#include "support/servers/sshd_test_server.hpp"
-#include "support/servers/test_certificates.hpp"
+#include "support/started_shell.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
 #include <filesystem>
 #include <fstream>
+#include <memory>
 
 namespace perchftp::test {
 namespace {
@@ -19,149 +32,196 @@ using testing::ElementsAre;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
-// The same walk for each protocol: the form fills in the protocol's default port, a connect shows
-// each step, a folder and an empty folder list, a disconnect, and a wrong password is refused.
-class ConnectOverEachProtocol : public SessionShellTest, public testing::WithParamInterface<char const*> {
+// Records what the user is shown while the controller works: each message the popup's label is
+// painted with, in order, and the banner's text at the same moments and when a listing reaches
+// the remote pane. A session call blocks the main thread, so a message that is not painted
+// before its call begins is never painted at all: it is missing from the record.
+class WhatTheUserSees : public QObject {
+public:
+    explicit WhatTheUserSees(app::PerchFtpShellController& controller)
+        : controller_(controller)
+    {
+        qApp->installEventFilter(this);
+        connect(controller.remotePane()->model(), &QAbstractItemModel::modelAboutToBeReset, this, [this] { noteBanner(); });
+        forget();
+    }
+
+    // What was seen since the last forget(), ending with what the banner shows now.
+    QStringList const& popupMessages() const { return popupMessages_; }
+    QStringList bannerTexts()
+    {
+        noteBanner();
+        return bannerTexts_.mid(1);
+    }
+    // Starts a new record; the banner's present text does not count as seen.
+    void forget()
+    {
+        popupMessages_.clear();
+        bannerTexts_ = QStringList{controller_.statusLabel()->text()};
+    }
+
 protected:
-    void SetUp() override
+    bool eventFilter(QObject* watched, QEvent* event) override
     {
-        std::string const protocol = GetParam();
-        std::string const reason = protocol == "ftps" ? trustInPrivateMountNamespace(certificates_.authorityCertificate())
-            : protocol == "sftp"                      ? SshdTestServer::whyUnavailable()
-                                                      : std::string();
-        if (!reason.empty()) {
-            GTEST_SKIP() << protocol << " shell test skipped: it " << reason;
+        QLabel* message = controller_.statusPopupMessage();
+        if (event->type() == QEvent::Paint && message && watched == message) {
+            append(popupMessages_, message->text());
+            noteBanner();
         }
-        if (protocol == "sftp") {
-            sshd_ = std::make_unique<SshdTestServer>();
-        } else {
-            FtpTestServerOptions options;
-            options.implicitTls = protocol == "ftps";
-            if (options.implicitTls) {
-                options.certificateFile = certificates_.serverCertificate();
-                options.keyFile = certificates_.serverKey();
-            }
-            ftp_ = std::make_unique<FtpTestServer>(options);
-        }
-        std::filesystem::path const home = ftp_ ? ftp_->root() : sshd_->home();
-        std::filesystem::create_directories(home / "docs");
-        std::filesystem::create_directories(home / "empty");
-        std::ofstream(home / "docs/notes.txt") << "twelve bytes";
-        SessionShellTest::SetUp();
+        return false;
     }
 
-    int port() const { return ftp_ ? ftp_->port() : sshd_->port(); }
-    void fillFormForServer(std::string const& password)
+private:
+    void noteBanner() { append(bannerTexts_, controller_.statusLabel()->text()); }
+    static void append(QStringList& texts, QString const& text)
     {
-        fillForm(QString::fromLatin1(GetParam()), QStringLiteral("127.0.0.1"), QString::number(port()),
-            ftp_ ? ftp_->user() : sshd_->user(), password);
-    }
-    // A remote folder by its name in the login folder; SFTP folders are listed with a trailing "/".
-    QString remoteFolder(char const* name) const
-    {
-        return ftp_ ? QStringLiteral("/%1").arg(QLatin1String(name))
-                    : QStringLiteral("%1/%2/").arg(QString::fromStdString(sshd_->home().string()), QLatin1String(name));
+        if (!text.isEmpty() && (texts.isEmpty() || text != texts.back())) {
+            texts.push_back(text);
+        }
     }
 
-    TestCertificates certificates_;
-    std::unique_ptr<FtpTestServer> ftp_;
-    std::unique_ptr<SshdTestServer> sshd_;
+    app::PerchFtpShellController& controller_;
+    QStringList popupMessages_;
+    QStringList bannerTexts_; // the first is the text at the last forget()
 };
 
-TEST_P(ConnectOverEachProtocol, ShowsEachStepBrowsesDisconnectsAndRefusesAWrongPassword)
-{
-    QString const protocol = QString::fromLatin1(GetParam());
-    QString const defaultPort = protocol == "sftp" ? QStringLiteral("22") : QStringLiteral("21");
-    controller().portField()->setText(QStringLiteral("2222"));
-    controller().protocolField()->setCurrentText(protocol);
-    emit controller().protocolField()->activated(controller().protocolField()->currentIndex());
-    EXPECT_EQ(controller().portField()->text(), defaultPort) << "the default replaces a typed port";
-    EXPECT_EQ(banner(), QStringLiteral("✅ Protocol set to %1, default port %2.").arg(protocol, defaultPort));
-
-    seen().forget();
-    fillFormForServer(ftp_ ? ftp_->password() : sshd_->password());
-    controller().connectButton()->click();
-    ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
-    EXPECT_EQ(seen().popupMessages(), connectingSteps(protocol, port()));
-    EXPECT_EQ(seen().bannerTexts(), (QStringList{"✅ Connected (" + protocol + ")", "✅ Remote listing refreshed."}));
-    EXPECT_EQ(controller().statusPopupTitle()->text(), "Connecting");
-    EXPECT_TRUE(controller().queueLog()->toPlainText().contains("Connected to 127.0.0.1"));
-
-    controller().didRequestOpenPath(controller().remotePane(), remoteFolder("docs"), true);
-    EXPECT_THAT(remoteNames(), ElementsAre("notes.txt"));
-    controller().didRequestOpenPath(controller().remotePane(), remoteFolder("empty"), true);
-    EXPECT_EQ(banner(), "✅ Remote listing refreshed.");
-    // Over SFTP an empty folder lists only its "." and ".." lines, which the listing's fallback
-    // reading shows as they are; the FTP servers send nothing.
-    if (ftp_) {
-        EXPECT_EQ(remoteNames().size(), 1);
-        EXPECT_THAT(remoteNames().value(0).toStdString(), StartsWith("(")) << "an empty folder says so";
+// The started shell with the means to type into its connection form and watch what the user is
+// shown.
+class SessionShellTest : public StartedShellTest {
+protected:
+    void SetUp() override { startWatchedShell(); }
+    void TearDown() override
+    {
+        seen_.reset();
+        StartedShellTest::TearDown();
+    }
+    void startWatchedShell()
+    {
+        startShell();
+        // Let the start-up's own popup go, so that each test sees only its own, and wait for the
+        // main window that the popups float in. Until the window is exposed its backing store has
+        // no size, and a popup painted meanwhile is painted nowhere.
+        ASSERT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
+        ASSERT_TRUE(waitUntil([&] { return controller().hostWindow()->isVisible(); }));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(controller().hostWindow()));
+        seen_ = std::make_unique<WhatTheUserSees>(controller());
+    }
+    // Ends the shell as the program's end would and starts it again on the same folders.
+    void restartShell()
+    {
+        seen_.reset();
+        stopShell();
+        startWatchedShell();
     }
 
-    controller().connectButton()->click();
-    EXPECT_EQ(controller().session(), nullptr);
-    EXPECT_EQ(banner(), "✅ Disconnected.");
-    EXPECT_EQ(remoteNames(), QStringList{"(Not connected.)"});
+    void fillForm(QString const& protocol, QString const& host, QString const& port, std::string const& user = {},
+        std::string const& password = {})
+    {
+        controller().protocolField()->setCurrentText(protocol);
+        controller().hostField()->setText(host);
+        controller().portField()->setText(port);
+        controller().userField()->setText(QString::fromStdString(user));
+        controller().secretField()->setText(QString::fromStdString(password));
+    }
+    // The popup's messages, in order, of an FTP connect to 127.0.0.1 up to the step that failed,
+    // or to the end when `failure` is empty.
+    static QStringList connectingSteps(int port, QString const& failure = {})
+    {
+        QStringList steps{QStringLiteral("Resolving 127.0.0.1:%1 via ftp...").arg(port),
+            QStringLiteral("Preparing protocol adapter..."), QStringLiteral("Opening session for 127.0.0.1...")};
+        return steps << (failure.isEmpty() ? QStringList{QStringLiteral("Session opened. Loading remote directory..."),
+                                                 QStringLiteral("Connected to 127.0.0.1.")}
+                                           : QStringList{failure});
+    }
 
-    seen().forget();
-    fillFormForServer("not-the-password");
-    controller().connectButton()->click();
-    QString const denied = QStringLiteral("Connect failed: %1 connect: Login denied").arg(protocol);
-    EXPECT_EQ(controller().session(), nullptr);
-    EXPECT_EQ(banner(), "⚠️ " + denied);
-    EXPECT_EQ(seen().popupMessages(), connectingSteps(protocol, port(), denied));
-    EXPECT_EQ(controller().connectButton()->text(), "Connect");
-}
+    QString banner() { return controller().statusLabel()->text(); }
+    QStringList remoteNames()
+    {
+        QStringList names;
+        for (app::PaneEntry const& entry : controller().remotePane()->entries()) {
+            names.push_back(entry.placeholder ? "(" + entry.name + ")" : entry.name);
+        }
+        return names;
+    }
+    WhatTheUserSees& seen() { return *seen_; }
 
-INSTANTIATE_TEST_SUITE_P(Protocols, ConnectOverEachProtocol, testing::Values("ftp", "ftps", "sftp"),
-    [](auto const& info) { return std::string(info.param); });
+private:
+    std::unique_ptr<WhatTheUserSees> seen_;
+};
 
 class FtpSessionWorkflow : public SessionShellTest {
 protected:
     void SetUp() override
     {
-        SessionShellTest::SetUp();
         std::filesystem::create_directories(server_.local("/docs/archive"));
+        std::filesystem::create_directories(server_.local("/empty"));
         std::ofstream(server_.local("/readme.txt")) << "hello";
         std::ofstream(server_.local("/docs/notes.txt")) << "twelve bytes";
         std::ofstream(server_.local("/docs/archive/old.zip")) << "z";
+        SessionShellTest::SetUp();
     }
 
     QString port() const { return QString::number(server_.port()); }
-    void fillFormForServer(QString const& portText = {})
+    void fillFormForServer(QString const& portText = {}, std::string const& password = {})
     {
         fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), portText.isNull() ? port() : portText,
-            server_.user(), server_.password());
+            server_.user(), password.empty() ? server_.password() : password);
     }
     std::size_t listings() const { return server_.receivedCommands({"LIST"}).size(); }
 
     FtpTestServer server_;
 };
 
-TEST_F(FtpSessionWorkflow, BrowsingRefreshingReconnectingAndDisconnecting)
+TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnecting)
 {
+    controller().portField()->setText(QStringLiteral("2222"));
+    emit controller().protocolField()->activated(controller().protocolField()->currentIndex());
+    EXPECT_EQ(controller().portField()->text(), "21") << "the default replaces a typed port";
+    EXPECT_EQ(banner(), "✅ Protocol set to ftp, default port 21.");
+
+    seen().forget();
+    fillFormForServer({}, "not-the-password");
+    controller().connectButton()->click();
+    QString const denied = QStringLiteral("Connect failed: ftp connect: Login denied");
+    EXPECT_EQ(controller().session(), nullptr);
+    EXPECT_EQ(banner(), "⚠️ " + denied);
+    EXPECT_EQ(seen().popupMessages(), connectingSteps(server_.port(), denied));
+    EXPECT_EQ(controller().connectButton()->text(), "Connect");
+
+    seen().forget();
+    server_.clearReceivedCommands();
     fillFormForServer();
     controller().connectButton()->click();
+    ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
+    EXPECT_EQ(seen().popupMessages(), connectingSteps(server_.port()));
+    EXPECT_EQ(seen().bannerTexts(), (QStringList{"✅ Connected (ftp)", "✅ Remote listing refreshed."}));
+    EXPECT_EQ(controller().statusPopupTitle()->text(), "Connecting");
+    EXPECT_TRUE(controller().queueLog()->toPlainText().contains("Connected to 127.0.0.1"));
     EXPECT_EQ(controller().remotePane()->pathValue(), "/") << "the listing of the empty path shows itself as the root";
-    EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "readme.txt"));
+    EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "empty", "readme.txt"));
     EXPECT_EQ(listings(), 1u) << "a listing that works needs no ladder";
 
     // A double-clicked folder is listed, with the server's sizes, permissions and dates.
     controller().remotePane()->tableViewDoubleClicked(static_cast<int>(remoteNames().indexOf("docs")));
     EXPECT_EQ(controller().remotePane()->pathValue(), "/docs");
     ASSERT_THAT(remoteNames(), UnorderedElementsAre("archive", "notes.txt"));
-    auto const& notes = controller().remotePane()->entries()[remoteNames().indexOf("notes.txt")];
+    app::PaneEntry const notes = controller().remotePane()->entries().at(remoteNames().indexOf("notes.txt"));
     EXPECT_EQ(notes.path, "/docs/notes.txt");
     EXPECT_EQ(notes.size, "12");
     EXPECT_THAT(notes.permissions.toStdString(), StartsWith("-rw"));
     EXPECT_FALSE(notes.modifiedAt.isEmpty());
 
-    std::ofstream(server_.local("/docs/new.txt")) << "new";
+    controller().didRequestOpenPath(controller().remotePane(), QStringLiteral("/empty"), true);
+    EXPECT_EQ(banner(), "✅ Remote listing refreshed.");
+    ASSERT_EQ(remoteNames().size(), 1);
+    EXPECT_THAT(remoteNames().front().toStdString(), StartsWith("(")) << "an empty folder says so";
+
+    std::ofstream(server_.local("/empty/new.txt")) << "new";
     seen().forget();
     controller().refreshButton()->click();
-    EXPECT_THAT(remoteNames(), UnorderedElementsAre("archive", "new.txt", "notes.txt"));
+    EXPECT_THAT(remoteNames(), ElementsAre("new.txt"));
     EXPECT_EQ(controller().statusPopupTitle()->text(), "Refreshing");
-    EXPECT_EQ(seen().popupMessages().back(), "Refresh complete.");
+    EXPECT_THAT(seen().popupMessages(), ElementsAre("Refreshing local and remote panes...", "Refresh complete."));
 
     // Opening a saved connection changes the form and lists its path through the open session.
     storage::SiteProfile saved = siteProfile("Elsewhere", "sftp", "elsewhere.example.org", 22);
@@ -178,7 +238,7 @@ TEST_F(FtpSessionWorkflow, BrowsingRefreshingReconnectingAndDisconnecting)
     seen().forget();
     controller().connectSession();
     EXPECT_TRUE(controller().isConnected());
-    QStringList replacing = connectingSteps(QStringLiteral("ftp"), server_.port());
+    QStringList replacing = connectingSteps(server_.port());
     replacing.insert(1, QStringLiteral("Closing previous session..."));
     EXPECT_EQ(seen().popupMessages(), replacing);
 
@@ -190,6 +250,8 @@ TEST_F(FtpSessionWorkflow, BrowsingRefreshingReconnectingAndDisconnecting)
     EXPECT_THAT(seen().popupMessages(), ElementsAre("Disconnecting from typed.later.example...", "Disconnected successfully."))
         << "the host is the field's at the time of the click";
     EXPECT_EQ(controller().statusPopupTitle()->text(), "Disconnecting");
+    EXPECT_EQ(banner(), "✅ Disconnected.");
+    EXPECT_EQ(remoteNames(), QStringList{"(Not connected.)"});
     EXPECT_TRUE(server_.receivedCommands().empty()) << "a disconnect does not talk to the server";
 
     seen().forget();
@@ -217,14 +279,6 @@ TEST_F(FtpSessionWorkflow, BadFormValuesAndRefusedConnectsLeaveNoSession)
         EXPECT_EQ(banner(), "⚠️ Connect failed: ftp connect: URL using bad/illegal format or missing URL");
         EXPECT_EQ(controller().session(), nullptr);
     }
-
-    seen().forget();
-    int const closed = freeLoopbackPort();
-    fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), QString::number(closed), "perch", "x");
-    controller().connectButton()->click();
-    QString const refused = QStringLiteral("Connect failed: ftp connect: Couldn't connect to server");
-    EXPECT_EQ(banner(), "⚠️ " + refused);
-    EXPECT_EQ(seen().popupMessages(), connectingSteps(QStringLiteral("ftp"), closed, refused));
 
     // A protocol name is trimmed and lowered; a port is read up to its first non-digit.
     QComboBox* protocol = controller().protocolField();
@@ -266,7 +320,7 @@ TEST_F(FtpSessionWorkflow, AFailedFirstListingKeepsTheSessionAndOnlyTheRootClimb
     fillFormForServer();
     controller().connectButton()->click();
     EXPECT_TRUE(controller().isConnected());
-    EXPECT_EQ(seen().popupMessages().back(), "Connected to 127.0.0.1.");
+    EXPECT_EQ(seen().popupMessages().value(seen().popupMessages().size() - 1), "Connected to 127.0.0.1.");
     EXPECT_THAT(banner().toStdString(), StartsWith("⚠️ Remote list failed: ftp list: "));
     EXPECT_THAT(remoteNames().value(0).toStdString(), StartsWith("(List failed: ftp list: "));
     EXPECT_TRUE(controller().queueLog()->toPlainText().contains("Remote list failed: ftp list: "));
@@ -282,7 +336,7 @@ TEST_F(FtpSessionWorkflow, AFailedFirstListingKeepsTheSessionAndOnlyTheRootClimb
         controller().refreshRemoteDirectory();
         EXPECT_EQ(listings(), static_cast<std::size_t>(refusals + 1));
         EXPECT_EQ(controller().remotePane()->pathValue(), "/");
-        EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "readme.txt"));
+        EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "empty", "readme.txt"));
     }
 
     // Another path is not tried again.
@@ -292,6 +346,220 @@ TEST_F(FtpSessionWorkflow, AFailedFirstListingKeepsTheSessionAndOnlyTheRootClimb
     controller().refreshRemoteDirectory();
     EXPECT_EQ(listings(), 1u);
     EXPECT_THAT(banner().toStdString(), StartsWith("⚠️ Remote list failed: ftp list: "));
+}
+
+using Names = std::vector<std::string>;
+
+constexpr int kOpen = app::kFirstAlertButton;
+constexpr int kEdit = app::kFirstAlertButton + 1;
+constexpr int kDelete = app::kFirstAlertButton + 2;
+constexpr int kCancel = app::kFirstAlertButton + 3;
+
+TEST(SavedConnectionRows, ShowNameUserAndHostFourBlanksApartAndReplaceTextThatIsNotUtf8)
+{
+    storage::SiteProfile withUser = siteProfile("Work", "sftp", "files.example.org", 2222);
+    withUser.user = "ana";
+    storage::SiteProfile broken = siteProfile(std::string("bad\xff", 4), std::string("\xc3", 1), "h", 21);
+    broken.id = 7;
+    broken.user = std::string("\xfe", 1);
+    auto const items = app::savedConnectionItems({withUser, siteProfile("Mirror", "ftp", "mirror.example.org", 21), broken});
+    EXPECT_EQ(app::savedConnectionRowTexts(items),
+        (QStringList{"Work    ana    files.example.org", "Mirror    mirror.example.org", "Saved Connection    h"}));
+    EXPECT_EQ(items[2].id, 7);
+    EXPECT_EQ(items[2].protocol, "ftp");
+    EXPECT_EQ(items[2].user, "");
+}
+
+class SavedConnections : public SessionShellTest {
+protected:
+    void SetUp() override {}
+
+    // Starts the shell on a database that already holds these connections.
+    void startWith(std::vector<storage::SiteProfile> const& profiles)
+    {
+        writeSites(baseDatabase(), profiles);
+        startWatchedShell();
+    }
+    std::vector<storage::SiteProfile> stored() { return readSites(baseDatabase()).value_or(std::vector<storage::SiteProfile>{}); }
+    // The connections' names in order, the one used last marked with a "*".
+    static Names names(std::vector<storage::SiteProfile> const& profiles)
+    {
+        Names names;
+        for (auto const& profile : profiles) {
+            names.push_back(profile.name + (profile.quickConnect ? "*" : ""));
+        }
+        return names;
+    }
+    QStringList form()
+    {
+        return {controller().hostField()->text(), controller().userField()->text(), controller().secretField()->text()};
+    }
+    void fillWorkForm()
+    {
+        fillForm(QStringLiteral("sftp"), QStringLiteral("files.example.org"), QStringLiteral("2222"), "ana", "s3cret pass");
+    }
+    static storage::SiteProfile profile(std::string name, std::string host, std::string user = "ana")
+    {
+        storage::SiteProfile result = siteProfile(std::move(name), "ftp", std::move(host), 21);
+        result.user = std::move(user);
+        return result;
+    }
+};
+
+TEST_F(SavedConnections, BadFormValuesAreRefusedWithTheirOwnWordsThenTheFormIsSavedAndUpdatedByName)
+{
+    startWith({profile("Home", "home.example.org")});
+    fillForm(QStringLiteral("ftp"), QString(), QStringLiteral("21"));
+    controller().saveConnection();
+    EXPECT_EQ(banner(), "⚠️ Host is required before saving a connection.");
+    for (QString const port : {"", "abc", "0", "65536"}) {
+        fillForm(QStringLiteral("ftp"), QStringLiteral("files.example.org"), port);
+        controller().saveConnection();
+        EXPECT_EQ(banner(), "⚠️ Port must be between 1 and 65535 before saving.") << port.toStdString();
+    }
+    EXPECT_TRUE(dialogs().questions().empty()) << "no name is asked for before the form passes";
+
+    // A host of blanks passes the form's check and is refused by the site manager.
+    fillForm(QStringLiteral("ftp"), QStringLiteral("   "), QStringLiteral("65535"));
+    dialogs().expectText(QStringLiteral("Blank"));
+    controller().saveConnection();
+    EXPECT_EQ(dialogs().questions().back().options.front(), "   ") << "the host is the name offered";
+    EXPECT_EQ(banner(), "⚠️ Connection details are invalid and could not be saved.");
+
+    // A name of blanks counts as a cancel.
+    fillForm(QStringLiteral("ftp"), QStringLiteral("files.example.org"), QStringLiteral("21abc"));
+    for (auto const& answer : {std::optional<QString>(" \t\n "), std::optional<QString>()}) {
+        dialogs().expectText(answer);
+        controller().saveConnection();
+        EXPECT_EQ(banner(), "✅ Save connection canceled.");
+    }
+    EXPECT_EQ(names(stored()), Names{"Home"});
+
+    fillWorkForm();
+    controller().remotePane()->setPathValue(QStringLiteral("/srv/www"));
+    std::size_t const asked = dialogs().questions().size();
+    dialogs().expectText(QStringLiteral("  Work\n"));
+    controller().saveConnectionButton()->click();
+    ASSERT_EQ(dialogs().questions().size(), asked + 1);
+    auto const& question = dialogs().questions().back();
+    EXPECT_EQ(question.title, "Save Connection");
+    EXPECT_EQ(question.text, "Enter a saved connection name.");
+    EXPECT_EQ(question.options, (QStringList{"files.example.org", "My Server"}));
+    EXPECT_EQ(banner(), "✅ Saved connection \"Work\".");
+    std::vector<storage::SiteProfile> sites = stored();
+    ASSERT_EQ(names(sites), (Names{"Home", "Work*"})) << "the answer is trimmed; the new one is the one used last";
+    storage::SiteProfile expected = profile("Work", "files.example.org");
+    expected.id = sites[1].id;
+    expected.protocol = "sftp";
+    expected.port = 2222;
+    expected.secretRef = "s3cret pass"; // kept in clear
+    expected.localRoot = controller().localPane()->pathValue().toStdString();
+    expected.remoteRoot = "/srv/www";
+    expected.group = "General";
+    expected.quickConnect = true;
+    EXPECT_EQ(sites[1], expected);
+
+    controller().hostField()->setText(QStringLiteral("new.example.org"));
+    controller().portField()->setText(QStringLiteral("22"));
+    dialogs().expectText(QStringLiteral("Work"));
+    controller().saveConnection();
+    EXPECT_EQ(banner(), "✅ Updated saved connection \"Work\".");
+    expected.host = "new.example.org";
+    expected.port = 22;
+    EXPECT_EQ(stored(), (std::vector{sites[0], expected})) << "the same id, updated";
+}
+
+TEST_F(SavedConnections, ASaveOrDeleteThatCannotReachTheDiskKeepsTheChangeInMemory)
+{
+    startWith({profile("Home", "home.example.org")});
+    // A folder stands where the database was, so every write fails.
+    for (char const* suffix : {"", "-wal", "-shm"}) {
+        QFile::remove(baseDatabase() + QString::fromLatin1(suffix));
+    }
+    ASSERT_TRUE(QDir().mkpath(baseDatabase() + QStringLiteral("/in-the-way")));
+    fillWorkForm();
+    dialogs().expectText(QStringLiteral("Work"));
+    controller().saveConnection();
+    EXPECT_EQ(banner(), "⚠️ Connection updated in memory, but saving to disk failed.");
+    EXPECT_EQ(names(controller().siteManager().listSites()), (Names{"Home", "Work"})) << "no mark after a failed save";
+
+    dialogs().expectSavedConnection({kDelete, 0});
+    controller().openSavedConnection();
+    EXPECT_EQ(banner(), "⚠️ Saved connection deleted in memory, but saving to disk failed.");
+    EXPECT_EQ(names(controller().siteManager().listSites()), (Names{"Work"}));
+    EXPECT_EQ(controller().hostField()->text(), "files.example.org") << "the form stays as it is";
+}
+
+TEST_F(SavedConnections, OpenEditCancelAndDeleteWithTheMarkKeptAcrossARestart)
+{
+    storage::SiteProfile work = profile("Work", "files.example.org");
+    work.protocol = "sftp";
+    work.port = 2222;
+    work.secretRef = "s3cret";
+    work.localRoot = folders().home().toStdString();
+    work.remoteRoot = "/srv/www";
+    storage::SiteProfile home = profile("Home", "home.example.org", "");
+    home.quickConnect = true;
+    startWith({work, home, profile("Third", "three.example.org")});
+    ASSERT_EQ(controller().hostField()->text(), "home.example.org") << "the marked connection is loaded at start";
+
+    dialogs().expectSavedConnection({kOpen, 0});
+    controller().openSavedConnectionButton()->click();
+    EXPECT_EQ(banner(), "✅ Loaded saved connection \"Work\".");
+    EXPECT_EQ(controller().portField()->text(), "2222");
+    EXPECT_EQ(form(), (QStringList{"files.example.org", "ana", "s3cret"}));
+    EXPECT_EQ(controller().remotePane()->pathValue(), "/srv/www");
+    EXPECT_EQ(remoteNames(), QStringList{"(Saved remote path loaded. Connect to browse.)"}) << "opening never connects";
+    EXPECT_EQ(names(stored()), (Names{"Work*", "Home", "Third"})) << "written at once";
+
+    restartShell();
+    EXPECT_EQ(form(), (QStringList{"files.example.org", "ana", "s3cret"}));
+    EXPECT_EQ(controller().protocolField()->currentText(), "sftp");
+    EXPECT_EQ(controller().portField()->text(), "22") << "start-up then sets the protocol's default port";
+    EXPECT_EQ(banner(), "✅ Protocol set to sftp, default port 22.");
+    EXPECT_EQ(controller().remotePane()->pathValue(), "/srv/www");
+    EXPECT_EQ(names(stored()), (Names{"Work*", "Home", "Third"})) << "a start marks nothing";
+
+    dialogs().expectSavedConnection({kEdit, 1});
+    controller().openSavedConnection();
+    EXPECT_EQ(banner(), "✅ Editing saved connection \"Home\". Update the form and save it.");
+    EXPECT_EQ(controller().hostField()->text(), "home.example.org");
+    EXPECT_EQ(names(stored()), (Names{"Work", "Home*", "Third"}));
+
+    controller().hostField()->setText(QStringLiteral("typed.example.org"));
+    dialogs().expectSavedConnection({kCancel, 0});
+    controller().openSavedConnection();
+    EXPECT_EQ(banner(), "✅ Open saved connection canceled.");
+    for (int row : {-1, 3}) {
+        dialogs().expectSavedConnection({kOpen, row});
+        controller().openSavedConnection();
+        EXPECT_EQ(banner(), "⚠️ Saved connection selection is invalid.") << row;
+    }
+    EXPECT_EQ(controller().hostField()->text(), "typed.example.org");
+
+    // A delete asks nothing more, empties the form and moves the mark to the last connection.
+    std::size_t asked = dialogs().questions().size();
+    dialogs().expectSavedConnection({kDelete, 0});
+    controller().openSavedConnection();
+    EXPECT_EQ(banner(), "✅ Deleted saved connection \"Work\".");
+    EXPECT_EQ(dialogs().questions().size(), asked + 1);
+    EXPECT_EQ(names(stored()), (Names{"Home", "Third*"})) << "even away from the marked one";
+    EXPECT_EQ(form(), (QStringList{"", "", ""}));
+    for (char const* name : {"Home", "Third"}) {
+        dialogs().expectSavedConnection({kDelete, 0});
+        controller().openSavedConnection();
+        EXPECT_EQ(banner(), QStringLiteral("✅ Deleted saved connection \"%1\".").arg(QLatin1String(name)));
+    }
+    EXPECT_TRUE(stored().empty());
+
+    // With none left, opening clears the form but for its port and protocol, and asks nothing.
+    fillWorkForm();
+    asked = dialogs().questions().size();
+    controller().openSavedConnectionButton()->click();
+    EXPECT_EQ(banner(), "✅ No saved connections are available yet.");
+    EXPECT_EQ(form(), (QStringList{"", "", ""}));
+    EXPECT_EQ(controller().portField()->text(), "2222");
+    EXPECT_EQ(dialogs().questions().size(), asked);
 }
 
 } // namespace

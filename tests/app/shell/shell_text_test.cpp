@@ -19,15 +19,6 @@ TEST(ShellText, APortFieldIsReadAsItsLeadingIntegerClampedToTheIntRange)
     }
 }
 
-TEST(ShellText, ProtocolNamesAreTrimmedAndLoweredOnlyInAsciiAndOnlyExactNamesHaveTheirOwnPort)
-{
-    EXPECT_EQ(detail::lowerAscii(detail::trim("  SFTP \t\n")), "sftp");
-    EXPECT_EQ(detail::lowerAscii("ÄBC"), "Äbc") << "bytes of multi-byte characters stay";
-    EXPECT_EQ(detail::trim(" \t "), "");
-    EXPECT_EQ(detail::defaultPortForProtocol("sftp"), 22);
-    EXPECT_EQ(detail::defaultPortForProtocol("SFTP"), 21);
-}
-
 TEST(ShellText, RemoteRowsKeepTheServersOrderAndJoinTheirPathsToTheBase)
 {
     std::tuple<char const*, char const*, char const*> const joins[] = {{"/", "a", "/a"}, {"/srv", "a", "/srv/a"},
@@ -39,9 +30,6 @@ TEST(ShellText, RemoteRowsKeepTheServersOrderAndJoinTheirPathsToTheBase)
         {"a", true, 4096, "", ""}, {std::string("bad\xff", 4), false, 1, "", ""}}, QStringLiteral("/srv"));
     ASSERT_EQ(rows.size(), 3);
     EXPECT_EQ(rows[0].path, "/srv/b.txt");
-    EXPECT_EQ(rows[0].size, "2048");
-    EXPECT_EQ(rows[0].permissions, "-rw-r--r--");
-    EXPECT_EQ(rows[0].modifiedAt, "Jan 1 10:00");
     EXPECT_TRUE(rows[1].dir);
     EXPECT_EQ(rows[1].size, "") << "a folder shows no size but keeps it for sorting";
     EXPECT_EQ(rows[1].sizeValue, 4096u);

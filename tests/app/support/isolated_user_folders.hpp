@@ -21,13 +21,15 @@ class IsolatedUserFolders {
 public:
     IsolatedUserFolders()
     {
-        for (char const* folder : {"home", "data", "config", "work"}) {
+        for (auto const& [variable, folder] :
+            {std::pair{"HOME", "home"}, {"XDG_DATA_HOME", "data"}, {"XDG_CONFIG_HOME", "config"}}) {
             QDir().mkpath(path(folder));
+            char const* old = std::getenv(variable);
+            previous_[variable] = old ? std::optional<QByteArray>(QByteArray(old)) : std::nullopt;
+            ::setenv(variable, path(folder).toLocal8Bit().constData(), 1);
         }
-        setVariable("HOME", home());
-        setVariable("XDG_DATA_HOME", dataHome());
-        setVariable("XDG_CONFIG_HOME", configHome());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, configHome());
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("config"));
+        QDir().mkpath(workingDirectory());
         QDir::setCurrent(workingDirectory());
     }
     ~IsolatedUserFolders()
@@ -41,8 +43,6 @@ public:
     IsolatedUserFolders& operator=(IsolatedUserFolders const&) = delete;
 
     QString home() const { return path("home"); }
-    QString dataHome() const { return path("data"); }
-    QString configHome() const { return path("config"); }
     QString workingDirectory() const { return path("work"); }
     // Where the shell keeps its files under this data folder.
     QString baseFolder() const { return path("data/PerchFtp"); }
@@ -55,12 +55,6 @@ public:
 
 private:
     QString path(char const* name) const { return root_.path() + u'/' + QString::fromLatin1(name); }
-    void setVariable(char const* name, QString const& value)
-    {
-        char const* old = std::getenv(name);
-        previous_[name] = old ? std::optional<QByteArray>(QByteArray(old)) : std::nullopt;
-        ::setenv(name, value.toLocal8Bit().constData(), 1);
-    }
 
     QTemporaryDir root_;
     std::map<std::string, std::optional<QByteArray>> previous_;

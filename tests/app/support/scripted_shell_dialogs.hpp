@@ -1,6 +1,9 @@
 #pragma once
 
+#include "app/saved_connection_items.hpp"
 #include "app/shell_dialogs.hpp"
+
+#include <gtest/gtest.h>
 
 #include <QString>
 #include <QStringList>
@@ -52,16 +55,45 @@ public:
     std::deque<Question> const& questions() const { return script_->questions; }
     bool scriptIsUsedUp() const { return script_->answers.empty(); }
 
-    QString chooseExistingFolder(QWidget*, QString const& title, QString const& startFolder) override;
-    int runAlert(QWidget*, app::AlertRequest const& request) override;
+    QString chooseExistingFolder(QWidget*, QString const& title, QString const& startFolder) override
+    {
+        return next<QString>({QStringLiteral("folder"), title, startFolder, {}}).value_or(QString());
+    }
+    int runAlert(QWidget*, app::AlertRequest const& request) override
+    {
+        return next<int>({QStringLiteral("alert"), request.messageText, request.informativeText, request.buttons})
+            .value_or(ShellDialogs::runAlert(nullptr, request));
+    }
     std::optional<QString> askForText(QWidget*, QString const& title, QString const& message, QString const& value,
-        QString const& placeholder, QIcon const&) override;
+        QString const& placeholder, QIcon const&) override
+    {
+        return given(next<TextAnswer>({QStringLiteral("text"), title, message, {value, placeholder}}));
+    }
     app::SavedConnectionAnswer chooseSavedConnection(
-        QWidget*, std::vector<app::SavedConnectionItem> const& items, QIcon const&) override;
-    std::optional<QString> editBugReport(QWidget*, QString const& templateText, QIcon const&) override;
-    bool acceptLicence(QString const& licenceText, QIcon const&) override;
+        QWidget*, std::vector<app::SavedConnectionItem> const& items, QIcon const&) override
+    {
+        Question question{QStringLiteral("savedConnection"), {}, {}, app::savedConnectionRowTexts(items)};
+        return next<app::SavedConnectionAnswer>(std::move(question)).value_or(app::SavedConnectionAnswer{});
+    }
+    std::optional<QString> editBugReport(QWidget*, QString const& templateText, QIcon const&) override
+    {
+        return given(next<TextAnswer>({QStringLiteral("bugReport"), {}, templateText, {}}));
+    }
+    bool acceptLicence(QString const& licenceText, QIcon const&) override
+    {
+        return next<bool>({QStringLiteral("licence"), {}, licenceText, {}}).value_or(false);
+    }
     int runAlertWithCheckBox(QWidget*, app::AlertRequest const& request, QString const& checkBoxTitle,
-        bool& checked) override;
+        bool& checked) override
+    {
+        auto const answer = next<CheckBoxAlertAnswer>({QStringLiteral("checkBoxAlert"), request.messageText,
+            request.informativeText, request.buttons + QStringList{checkBoxTitle}});
+        if (!answer) {
+            return ShellDialogs::runAlertWithCheckBox(nullptr, request, checkBoxTitle, checked);
+        }
+        checked = answer->checked;
+        return answer->button;
+    }
 
 private:
     struct Script {
@@ -70,7 +102,22 @@ private:
     };
 
     template <typename T>
-    std::optional<T> next(Question question);
+    std::optional<T> next(Question question)
+    {
+        script_->questions.push_back(question);
+        auto& answers = script_->answers;
+        if (answers.empty() || !std::holds_alternative<T>(answers.front())) {
+            ADD_FAILURE() << "unexpected " << question.kind.toStdString() << " question: " << question.title.toStdString();
+            return std::nullopt;
+        }
+        T answer = std::get<T>(answers.front());
+        answers.pop_front();
+        return answer;
+    }
+    static std::optional<QString> given(std::optional<TextAnswer> const& answer)
+    {
+        return answer && answer->given ? std::optional<QString>(answer->text) : std::nullopt;
+    }
 
     std::shared_ptr<Script> script_ = std::make_shared<Script>();
 };

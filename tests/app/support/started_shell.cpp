@@ -22,12 +22,8 @@ void writeSites(QString const& databasePath, std::vector<storage::SiteProfile> c
     QDir().mkpath(QFileInfo(databasePath).absolutePath());
     storage::Snapshot snapshot;
     snapshot.profiles = profiles;
-    int id = 1;
-    for (auto& profile : snapshot.profiles) {
-        if (profile.id == 0) {
-            profile.id = id;
-        }
-        ++id;
+    for (std::size_t at = 0; at < snapshot.profiles.size(); ++at) {
+        snapshot.profiles[at].id = snapshot.profiles[at].id != 0 ? snapshot.profiles[at].id : static_cast<int>(at) + 1;
     }
     ASSERT_TRUE(storage::createFileStore(databasePath.toStdString())->save(snapshot)) << databasePath.toStdString();
 }

@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QTest>
 
 #include <functional>
@@ -19,15 +18,7 @@ namespace perchftp::test {
 // Spins the event loop until the condition holds or the time is up; true when it held.
 inline bool waitUntil(std::function<bool()> const& condition, int timeoutMs = 3000)
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.elapsed() > timeoutMs) {
-            return false;
-        }
-        QTest::qWait(5);
-    }
-    return true;
+    return QTest::qWaitFor(condition, timeoutMs);
 }
 
 // A saved connection with the fields a test usually cares about.
