@@ -5,11 +5,14 @@
 #include "session_fixture.hpp"
 #include "walk_servers.hpp"
 
+#include "support/servers/child_process.hpp"
+
 #include "protocol/remote_tree.hpp"
 
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <regex>
 #include <set>
 #include <sys/stat.h>
@@ -17,8 +20,13 @@
 namespace perchftp::test {
 namespace {
 
+using protocol::IRemoteSession;
 using protocol::RemoteEntry;
 using protocol::SessionResult;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+using Lines = std::vector<std::string>;
 
 constexpr std::size_t kFiveMegabytes = 5u * 1024 * 1024;
 // A user's "644", read as octal by the permission dialog, reaches the session as this number.
@@ -134,9 +142,14 @@ std::string uploadFiveMegabytes(Walk& walk)
     if (!result.ok) {
         return fails(result);
     }
-    EXPECT_THAT(events.shape(), testing::ElementsAre(TransferEventType::Started, TransferEventType::Progress,
-                                                     TransferEventType::Completed));
+    EXPECT_THAT(events.shape(), ElementsAre(TransferEventType::Started, TransferEventType::Progress,
+                                            TransferEventType::Completed));
+    RecordedEvent const& first = events.events.front();
+    EXPECT_EQ(first.path, walk.local.file("five.bin"));
+    EXPECT_EQ(first.transferred, 0u);
+    EXPECT_EQ(first.total, kFiveMegabytes);
     EXPECT_EQ(events.events.back().transferred, kFiveMegabytes);
+    EXPECT_EQ(events.events.back().total, kFiveMegabytes);
     return works(readFile(walk.disk(walk.file)) == bytes, "arrives damaged");
 }
 
@@ -148,8 +161,13 @@ std::string downloadAndCompare(Walk& walk)
     if (!result.ok) {
         return fails(result);
     }
-    EXPECT_EQ(events.events.back().type, TransferEventType::Completed);
-    EXPECT_EQ(events.events.back().total, 0u) << "a download completes as 0 of 0";
+    // A download has no Started, and completes as 0 of 0 after its last report of every byte.
+    EXPECT_THAT(events.shape(), ElementsAre(TransferEventType::Progress, TransferEventType::Completed));
+    EXPECT_EQ(events.events.back().transferred + events.events.back().total, 0u);
+    RecordedEvent const& last = events.events.at(events.events.size() - 2);
+    EXPECT_EQ(last.path, target);
+    EXPECT_EQ(last.transferred, kFiveMegabytes);
+    EXPECT_EQ(last.total, kFiveMegabytes);
     return works(readFile(target) == patternedBytes(kFiveMegabytes), "arrives damaged");
 }
 
@@ -213,7 +231,10 @@ struct WalkStep {
     std::function<std::string(Walk&)> run;
     std::string onFtp;  // ftp and ftps alike
     std::string onSftp;
+    Lines wire; // what the scripted server receives of kWireVerbs
 };
+
+Lines const kWireVerbs = {"CWD", "LIST", "STOR", "RETR", "MKD", "RNFR", "RNTO", "SITE", "DELE", "RMD"};
 
 std::vector<WalkStep> walkSteps()
 {
@@ -225,15 +246,15 @@ std::vector<WalkStep> walkSteps()
              SessionResult const result = walk.session.connect("127.0.0.1", s.port, s.user, s.password + "-wrong");
              return result.ok ? "works" : fails(result);
          },
-         "fails: connect: Login denied", "fails: connect: Login denied"},
+         "fails: connect: Login denied", "fails: connect: Login denied", {}},
         {"connect",
          [](Walk& walk) {
              WalkServer const& s = walk.server;
              SessionResult const result = walk.session.connect("127.0.0.1", s.port, s.user, s.password);
              return result.ok ? "works" : fails(result);
          },
-         "works", "works"},
-        {"list the home folder", [](Walk& walk) { return listedAsOnDisk(walk, ""); }, "works", "works"},
+         "works", "works", {}},
+        {"list the home folder", [](Walk& walk) { return listedAsOnDisk(walk, ""); }, "works", "works", {"LIST"}},
         {"create a folder",
          [](Walk& walk) {
              SessionResult const result = walk.session.mkdir(walk.remote("walk"));
@@ -241,28 +262,29 @@ std::vector<WalkStep> walkSteps()
              walk.server.makeFolders("walk"); // as another tool would, so that the walk goes on
              return judged(result, made);
          },
-         "works", quoteRefused},
-        {"upload 5 MiB", uploadFiveMegabytes, "works", "works"},
-        {"list a folder", describeListedFile, "works", "works, but the size shows 0"},
+         "works", quoteRefused, {"MKD walk", "LIST"}},
+        {"upload 5 MiB", uploadFiveMegabytes, "works", "works", {"CWD walk", "STOR five.bin"}},
+        {"list a folder", describeListedFile, "works", "works, but the size shows 0", {"CWD walk", "LIST"}},
         {"list a folder named without a trailing /",
          [](Walk& walk) {
              std::vector<RemoteEntry> entries;
              SessionResult const result = walk.session.list(walk.remote("walk"), entries);
              return result.ok ? "works" : fails(result);
          },
-         "works", "fails: list: Error in the SSH layer"},
-        {"download and compare", downloadAndCompare, "works", "works"},
-        {"rename a file", renameFile, "works", quoteRefused},
+         "works", "fails: list: Error in the SSH layer", {"CWD walk", "LIST"}},
+        {"download and compare", downloadAndCompare, "works", "works", {"CWD walk", "RETR five.bin"}},
+        {"rename a file", renameFile, "works", quoteRefused,
+         {"RNFR walk/five.bin", "RNTO walk/renamed.bin", "LIST"}},
         {"change permissions to 644", changeMode,
          "fails: operation failed: Remote file not found, the mode becomes 0420",
-         "reports success, changes nothing"},
+         "reports success, changes nothing", {"SITE CHMOD 420 /walk/renamed.bin"}},
         {"change permissions to an invalid mode",
          [](Walk& walk) {
              SessionResult const result = walk.session.chmod(walk.remote(walk.file), -1);
              return result.code == 4 ? fails(result) : "accepts it";
          },
-         "fails: chmod: invalid mode", "fails: chmod: invalid mode"},
-        {"delete a file", deleteFile, "works", quoteRefused},
+         "fails: chmod: invalid mode", "fails: chmod: invalid mode", {}},
+        {"delete a file", deleteFile, "works", quoteRefused, {"DELE walk/renamed.bin", "LIST"}},
         {"delete a folder holding a subfolder",
          [](Walk& walk) {
              walk.server.makeFolders("walk/full/sub");
@@ -270,7 +292,9 @@ std::vector<WalkStep> walkSteps()
              walk.server.makeFile("walk/full/top.txt");
              return deleteTree(walk, "walk/full");
          },
-         "works", "fails: Remote recursive delete list failed: sftp list: Error in the SSH layer"},
+         "works", "fails: Remote recursive delete list failed: sftp list: Error in the SSH layer",
+         {"CWD walk", "CWD full", "LIST", "CWD walk", "CWD full", "CWD sub", "LIST", "DELE walk/full/sub/inner.txt",
+          "LIST", "RMD walk/full/sub/", "LIST", "DELE walk/full/top.txt", "LIST", "RMD walk/full/", "LIST"}},
         {"delete a folder holding a link that points outside it",
          [](Walk& walk) {
              walk.server.makeFolders("walk/tree/sub");
@@ -279,16 +303,20 @@ std::vector<WalkStep> walkSteps()
              return deleteTree(walk, "walk/tree");
          },
          "fails: Remote recursive delete stopped at a name that is not inside the folder: ../../outside.txt",
-         "fails: Remote recursive delete list failed: sftp list: Error in the SSH layer"},
-        {"list again", [](Walk& walk) { return listedAsOnDisk(walk, "walk/"); }, "works", "works"},
-        {"upload a name with a blank", uploadNameWithBlank, "fails: upload: URL using bad/illegal format or missing URL",
-         "fails: upload: URL using bad/illegal format or missing URL"},
+         "fails: Remote recursive delete list failed: sftp list: Error in the SSH layer",
+         {"CWD walk", "CWD tree", "LIST"}},
+        {"list again", [](Walk& walk) { return listedAsOnDisk(walk, "walk/"); }, "works", "works",
+         {"CWD walk", "LIST"}},
+        // libcurl refuses the blank in the URL before anything goes out.
+        {"upload a name with a blank", uploadNameWithBlank,
+         "fails: upload: URL using bad/illegal format or missing URL",
+         "fails: upload: URL using bad/illegal format or missing URL", {}},
         {"disconnect",
          [](Walk& walk) {
              SessionResult const result = walk.session.disconnect();
              return result.ok && !walk.session.isConnected() ? "works" : fails(result);
          },
-         "works", "works"},
+         "works", "works", {}},
     };
 }
 
@@ -314,9 +342,15 @@ TEST_P(ServerWalk, EveryOperationDoesWhatItsProtocolPromises)
     Walk walk{*server, *session, local, "walk/five.bin", {}};
     for (WalkStep const& step : walkSteps()) {
         SCOPED_TRACE(step.operation);
+        if (server->scripted) {
+            server->scripted->clearReceivedCommands();
+        }
         std::string const outcome = step.run(walk);
         recordOutcome(*server, step.operation, outcome);
         EXPECT_EQ(outcome, server->protocol == "sftp" ? step.onSftp : step.onFtp);
+        if (server->scripted) {
+            EXPECT_EQ(server->scripted->receivedCommands(kWireVerbs), step.wire);
+        }
         if (std::string(step.operation) == "connect") {
             ASSERT_TRUE(session->isConnected()) << "the rest of the walk needs a session";
         }
@@ -328,6 +362,291 @@ INSTANTIATE_TEST_SUITE_P(Servers, ServerWalk,
                          testing::Values(WalkServerKind::Scripted, WalkServerKind::Vsftpd, WalkServerKind::VsftpdTls,
                                          WalkServerKind::OpenSsh, WalkServerKind::FromEnvironment),
                          [](auto const& info) { return toString(info.param); });
+
+// What only a scriptable server shows: commands it refuses or drops, the login folder it claims,
+// and what a failure leaves behind.
+class ScriptedFtp : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(connect(server.password()).ok);
+        server.clearReceivedCommands();
+    }
+    SessionResult connect(std::string const& password)
+    {
+        return session->connect("127.0.0.1", server.port(), server.user(), password);
+    }
+    void put(std::string const& remotePath, std::string const& bytes = "x")
+    {
+        std::filesystem::create_directories(server.local(remotePath).parent_path());
+        writeFile(server.local(remotePath), bytes);
+    }
+
+    FtpTestServer server;
+    std::unique_ptr<IRemoteSession> session = makeSession("ftp");
+    TempDir local;
+};
+
+// One command against the server as the earlier rows left it; `replies` are whole lines or verbs
+// answered instead of carried out (see FtpTestServer::setReply). A row with a `login` reply first
+// connects again while PWD gives that answer: the login folder the session believes in.
+struct LadderRow {
+    char const* what;
+    std::vector<std::tuple<std::string, std::string, int>> replies;
+    std::function<SessionResult(IRemoteSession&)> run;
+    std::string failure; // empty when it works
+    Lines wire;
+    std::string login{};
+};
+
+TEST_F(ScriptedFtp, RemoteCommandsClimbTheirLaddersOnTheWire)
+{
+    for (char const* file : {"/r2", "/a3/x", "/x", "/my file", "/c15.txt", "/d16"}) {
+        put(file);
+    }
+    for (char const* folder : {"/a17", "/a10/b", "/b", "/a11/b"}) {
+        std::filesystem::create_directories(server.local(folder));
+    }
+    std::string const refused = "550 Refused by the test.";
+    std::string const quoteFailed = "ftp operation failed: Quote command returned error";
+    std::vector<LadderRow> const rows{
+        {"a second rung equal to the first is sent again", {{"RNFR r2", refused, 1}},
+         [](IRemoteSession& s) { return s.rename("/r2", "/r2b"); }, "", {"RNFR r2", "RNFR r2", "RNTO r2b"}},
+        // The bare names would rename "/x" in the login folder; those rungs are never sent.
+        {"a rename climbs to the absolute path", {{"RNFR a3/x", refused, -1}, {"RNFR /a3/x", refused, 1}},
+         [](IRemoteSession& s) { return s.rename("/a3/x", "/a3/y"); }, "",
+         {"RNFR a3/x", "RNFR a3/x", "RNFR /a3/x", "RNFR /a3/x", "RNTO /a3/y"}},
+        {"the first rung's failure is reported when all fail", {{"RNFR", refused, -1}, {"RNFR /gone", "CLOSE", -1}},
+         [](IRemoteSession& s) { return s.rename("/gone", "/still-gone"); }, quoteFailed,
+         {"RNFR gone", "RNFR gone", "RNFR gone", "RNFR /gone", "RNFR /gone"}},
+        {"names with blanks and dots go as they stand", {},
+         [](IRemoteSession& s) { return s.rename("/my file", "/a17/../their file"); }, "",
+         {"RNFR my file", "RNTO their file"}},
+        {"a folder named with a slash is tried with RMD first", {},
+         [](IRemoteSession& s) { return s.remove("/a10/b/"); }, "", {"RMD a10/b/"}},
+        {"a folder named without a slash goes after DELE", {}, [](IRemoteSession& s) { return s.remove("/a11/b"); },
+         "", {"DELE a11/b", "DELE a11/b", "RMD a11/b"}},
+        {"chmod has no ladder", {{"SITE CHMOD", refused, -1}}, [](IRemoteSession& s) { return s.chmod("/x", 420); },
+         quoteFailed, {"SITE CHMOD 420 /x"}},
+        {"an empty remove has no rung", {}, [](IRemoteSession& s) { return s.remove(""); },
+         "ftp operation failed: unknown delete failure", {}},
+        {"an empty mkdir has no rung", {}, [](IRemoteSession& s) { return s.mkdir(""); },
+         "ftp operation failed: unknown mkdir failure", {}},
+        {"an empty rename has no rung", {}, [](IRemoteSession& s) { return s.rename("", ""); },
+         "ftp rename failed: unknown rename failure", {}},
+        {"a login folder elsewhere leaves only the absolute rungs", {},
+         [](IRemoteSession& s) { return s.remove("/c15.txt"); }, "", {"DELE /c15.txt"},
+         "257 \"/home\" is the current directory."},
+        {"an unknown login folder leaves only the absolute rungs", {},
+         [](IRemoteSession& s) { return s.rename("/d16", "/e16"); }, "", {"RNFR /d16", "RNTO /e16"},
+         "550 Not telling."},
+    };
+    for (LadderRow const& row : rows) {
+        SCOPED_TRACE(row.what);
+        server.clearReplies();
+        if (!row.login.empty()) {
+            server.setReply("PWD", row.login);
+            ASSERT_TRUE(connect(server.password()).ok);
+            server.clearReplies();
+        }
+        for (auto const& [command, reply, times] : row.replies) {
+            server.setReply(command, reply, times);
+        }
+        server.clearReceivedCommands();
+        SessionResult const result = row.run(*session);
+        EXPECT_EQ(result.code, row.failure.empty() ? 0 : 1);
+        EXPECT_EQ(result.message, row.failure.empty() ? "ftp operation" : row.failure);
+        EXPECT_EQ(server.receivedCommands({"RNFR", "RNTO", "DELE", "RMD", "MKD", "SITE"}), row.wire);
+        EXPECT_TRUE(session->isConnected());
+    }
+    for (char const* kept : {"/r2b", "/a3/y", "/x", "/their file", "/b"}) {
+        EXPECT_TRUE(std::filesystem::exists(server.local(kept))) << kept;
+    }
+    for (char const* gone : {"/y", "/a10/b", "/a11/b", "/c15.txt", "/d16"}) {
+        EXPECT_FALSE(std::filesystem::exists(server.local(gone))) << gone;
+    }
+}
+
+TEST_F(ScriptedFtp, ListingsAndTransfersFailWithoutLosingWhatTheCallerHad)
+{
+    // Dot segments are libcurl's to resolve.
+    std::filesystem::create_directories(server.local("/a/b"));
+    for (auto const& [path, wire] : std::vector<std::pair<std::string, Lines>>{
+             {"/a/../a/./b", {"CWD a", "CWD b", "LIST"}}, {"/a/..", {"LIST"}}}) {
+        std::vector<RemoteEntry> entries;
+        server.clearReceivedCommands();
+        ASSERT_TRUE(session->list(path, entries).ok);
+        EXPECT_EQ(server.receivedCommands({"CWD", "LIST"}), wire) << path;
+    }
+    // A reply replaces the caller's entries; a failure leaves them.
+    server.setListing("/", "top\n");
+    std::vector<RemoteEntry> entries = {{"stale", false, 1, "", ""}};
+    ASSERT_TRUE(session->list("/", entries).ok);
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].name, "top");
+    SessionResult result = session->list("/no/such/folder", entries);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.message, "ftp list: Access denied to remote resource");
+    server.setReply("LIST", "CLOSE");
+    EXPECT_THAT(session->list("/", entries).message, StartsWith("ftp list: "));
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].name, "top");
+    EXPECT_TRUE(session->isConnected());
+
+    // Refused before any event or command.
+    writeFile(local.file("plain"), "not a folder");
+    put("/x");
+    server.clearReceivedCommands();
+    struct Refusal {
+        bool upload;
+        std::string localPath;
+        std::string remotePath;
+        std::string message;
+    };
+    for (Refusal const& row : std::vector<Refusal>{
+             {true, "", "/x", "ftp upload: invalid path"},
+             {false, local.file("x"), "", "ftp download: invalid path"},
+             {true, local.file("absent"), "/x", "ftp upload: local file not found"},
+             {false, local.file("plain/x"), "/x", "ftp download: cannot open local path"}}) {
+        EventRecorder events;
+        protocol::TransferParams const params{row.localPath, row.remotePath, false};
+        result = row.upload ? session->upload(params, events.callback())
+                            : session->download(params, events.callback());
+        EXPECT_EQ(result.code, 3) << row.message;
+        EXPECT_EQ(result.message, row.message);
+        EXPECT_THAT(events.events, IsEmpty()) << row.message;
+    }
+    EXPECT_THAT(server.receivedCommands(), IsEmpty());
+
+    // A failed upload ends in Failed and makes nothing; a failed download empties its local file first.
+    writeFile(local.file("f"), "abc");
+    EventRecorder up;
+    result = session->upload({local.file("f"), "/missing/f", false}, up.callback());
+    EXPECT_EQ(result.code, 5);
+    EXPECT_THAT(result.message, StartsWith("ftp upload: "));
+    ASSERT_FALSE(up.events.empty());
+    EXPECT_EQ(up.events.front().type, TransferEventType::Started);
+    EXPECT_EQ(up.events.back().type, TransferEventType::Failed);
+    EXPECT_EQ(up.events.back().total, 3u);
+    EXPECT_FALSE(std::filesystem::exists(server.local("/missing")));
+    writeFile(local.file("keep.txt"), "old content");
+    EventRecorder down;
+    result = session->download({local.file("keep.txt"), "/absent.txt", false}, down.callback());
+    EXPECT_EQ(result.code, 5);
+    EXPECT_EQ(result.message, "ftp download: Remote file not found");
+    ASSERT_FALSE(down.events.empty());
+    EXPECT_EQ(down.events.back().type, TransferEventType::Failed);
+    EXPECT_EQ(down.events.back().transferred + down.events.back().total, 0u);
+    EXPECT_TRUE(std::filesystem::exists(local.file("keep.txt")));
+    EXPECT_EQ(readFile(local.file("keep.txt")), "");
+    EXPECT_TRUE(session->isConnected());
+
+    // Bytes the disk refuses do not fail a download.
+    put("/x.bin", patternedBytes(1024 * 1024));
+    EXPECT_TRUE(session->download({"/dev/full", "/x.bin", false}, {}).ok);
+
+    // Without a size, progress is reported only until the first bytes arrive.
+    put("/unsized.bin", patternedBytes(10u * 1024 * 1024));
+    server.setReply("SIZE", "502 Command not implemented.");
+    EventRecorder unsized;
+    ASSERT_TRUE(session->download({local.file("unsized.bin"), "/unsized.bin", false}, unsized.callback()).ok);
+    ASSERT_GE(unsized.events.size(), 2u);
+    for (std::size_t i = 0; i + 1 < unsized.events.size(); ++i) {
+        EXPECT_EQ(unsized.events[i].total, 0u) << i;
+        EXPECT_EQ(unsized.events[i].transferred == 0, i + 2 < unsized.events.size()) << i;
+    }
+
+    // A failed connect forgets the earlier connection, even one refused before the network.
+    int const closed = freeLoopbackPort();
+    for (auto const& [host, port, failure] : std::vector<std::tuple<std::string, int, std::string>>{
+             {"127.0.0.1", server.port(), "Login denied"}, {"127.0.0.1", closed, "Couldn't connect to server"},
+             {"", server.port(), "invalid endpoint"}, {"127.0.0.1", 0, "invalid endpoint"},
+             {"127.0.0.1", -21, "invalid endpoint"}}) {
+        ASSERT_TRUE(connect(server.password()).ok);
+        result = session->connect(host, port, server.user(), "wrong");
+        EXPECT_EQ(result.code, 1);
+        EXPECT_EQ(result.message, "ftp connect: " + failure);
+        EXPECT_FALSE(session->isConnected()) << failure;
+    }
+}
+
+TEST(ScriptedFtpServer, KeepsWhatArrivedWhenTheServerDiesMidDownload)
+{
+    FtpTestServerOptions options;
+    options.throttleBytesPerSecond = 2u * 1024 * 1024;
+    FtpTestServer server(options);
+    std::string const bytes = patternedBytes(10u * 1024 * 1024);
+    writeFile(server.local("/big.bin"), bytes);
+    auto session = makeSession("ftp");
+    ASSERT_TRUE(session->connect("127.0.0.1", server.port(), server.user(), server.password()).ok);
+    TempDir local;
+    TransferEventType last{};
+    auto const killOnFirstBytes = [&](TransferEventType type, protocol::TransferProgress const& progress) {
+        last = type;
+        if (progress.transferred > 0) {
+            server.kill();
+        }
+    };
+    SessionResult const result = session->download({local.file("big.bin"), "/big.bin", false}, killOnFirstBytes);
+    EXPECT_EQ(result.code, 5);
+    EXPECT_THAT(result.message, StartsWith("ftp download: "));
+    EXPECT_EQ(last, TransferEventType::Failed);
+    std::string const arrived = readFile(local.file("big.bin"));
+    EXPECT_LT(arrived.size(), bytes.size());
+    EXPECT_EQ(arrived, bytes.substr(0, arrived.size()));
+}
+
+// Every protocol refuses every operation before a connect, and an endpoint it can't use.
+TEST(UnconnectedSession, RefusesEveryOperation)
+{
+    for (std::string const name : {"ftp", "ftps", "sftp"}) {
+        auto session = makeSession(name.c_str());
+        EventRecorder events;
+        protocol::TransferParams const params{"/tmp/x", "/x", false};
+        SessionResult const uploaded = session->upload(params, events.callback());
+        EXPECT_EQ(uploaded.code, 1);
+        EXPECT_EQ(uploaded.message, name + " upload: not connected");
+        EXPECT_EQ(session->download(params, events.callback()).message, name + " download: not connected");
+        EXPECT_THAT(events.events, IsEmpty());
+        EXPECT_EQ(session->rename("/a", "/b").message, name + " rename: not connected");
+        EXPECT_EQ(session->remove("/a").message, name + " delete: not connected");
+        EXPECT_EQ(session->mkdir("/a").message, name + " mkdir: not connected");
+        EXPECT_EQ(session->chmod("/a", -1).message, name + " chmod: not connected");
+        std::vector<RemoteEntry> entries;
+        SessionResult const listed = session->list("/", entries);
+        EXPECT_EQ(listed.code, 1);
+        EXPECT_EQ(listed.message, name + " list: not connected");
+        SessionResult const disconnected = session->disconnect();
+        EXPECT_TRUE(disconnected.ok);
+        EXPECT_EQ(disconnected.message, name + " disconnect");
+    }
+}
+
+TEST(FtpsSession, RefusesAnUntrustedCertificateAndAPlainServer)
+{
+    TestCertificates trusted;
+    TestCertificates stranger;
+    if (std::string const reason = trustInPrivateMountNamespace(trusted.authorityCertificate()); !reason.empty()) {
+        GTEST_SKIP() << "FTPS test skipped: it " << reason;
+    }
+    FtpTestServer strangerServer(implicitTls(stranger));
+    FtpTestServer trustedServer(implicitTls(trusted));
+    FtpTestServer plainServer;
+
+    auto session = makeSession("ftps");
+    SessionResult result = session->connect("127.0.0.1", strangerServer.port(), "perch", "perch-secret");
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.message, "ftps connect: SSL peer certificate or SSH remote key was not OK");
+    EXPECT_FALSE(session->isConnected());
+    EXPECT_THAT(strangerServer.receivedCommands(), IsEmpty()) << "no credentials go to an untrusted server";
+
+    EXPECT_TRUE(session->connect("127.0.0.1", trustedServer.port(), "perch", "perch-secret").ok);
+
+    result = session->connect("127.0.0.1", plainServer.port(), "perch", "perch-secret");
+    EXPECT_EQ(result.code, 1);
+    EXPECT_THAT(result.message, StartsWith("ftps connect: "));
+    EXPECT_FALSE(session->isConnected());
+}
 
 // Implicit TLS with require_ssl_reuse: every data connection must resume the control
 // connection's TLS session, which is where other libcurl clients lose transfers.

@@ -31,7 +31,7 @@ std::unique_ptr<WalkServer> walkServer(std::string label, std::string protocol, 
 {
     return std::make_unique<WalkServer>(WalkServer{std::move(label), std::move(protocol), server.port(), server.user(),
                                                    server.password(), std::move(base), std::move(disk), 0, 0,
-                                                   std::move(running)});
+                                                   std::move(running), nullptr});
 }
 
 // "label|protocol|port|user|password|base|disk", as scripts/server-table writes it.
@@ -49,8 +49,8 @@ std::string fromEnvironment(std::unique_ptr<WalkServer>& server)
     if (fields.size() != 7) {
         return "needs PERCHFTP_WALK_SERVER as label|protocol|port|user|password|base|disk";
     }
-    server = std::make_unique<WalkServer>(
-        WalkServer{fields[0], fields[1], std::stoi(fields[2]), fields[3], fields[4], fields[5], fields[6], 0, 0, nullptr});
+    server = std::make_unique<WalkServer>(WalkServer{fields[0], fields[1], std::stoi(fields[2]), fields[3], fields[4],
+                                                     fields[5], fields[6], 0, 0, nullptr, nullptr});
     return {};
 }
 
@@ -60,6 +60,7 @@ std::string start(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
     case WalkServerKind::Scripted: {
         auto running = std::make_shared<FtpTestServer>();
         server = walkServer("scripted test server (pyftpdlib)", "ftp", *running, "/", running->root(), running);
+        server->scripted = running.get();
         return {};
     }
     case WalkServerKind::Vsftpd: {

@@ -7,6 +7,8 @@
 
 namespace perchftp::test {
 
+class FtpTestServer;
+
 enum class WalkServerKind {
     Scripted,        // the project's scriptable FTP server
     Vsftpd,          // Debian's vsftpd, plain FTP
@@ -30,6 +32,7 @@ struct WalkServer {
     uid_t owner = 0;
     gid_t group = 0;
     std::shared_ptr<void> running; // the server and whatever it needs, stopped when this goes
+    FtpTestServer* scripted = nullptr; // set for the scripted server, whose record the walk reads too
 
     void makeFolders(std::string const& relative) const;
     void makeFile(std::string const& relative, std::string const& bytes = "walk") const;
