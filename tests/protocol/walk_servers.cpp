@@ -3,11 +3,11 @@
 #include "support/servers/ftp_test_server.hpp"
 #include "support/servers/sshd_test_server.hpp"
 #include "support/servers/test_certificates.hpp"
-#include "support/servers/vsftpd_test_server.hpp"
 #include "support/temp_dir.hpp"
 
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,6 +16,35 @@
 namespace perchftp::test {
 
 namespace {
+
+constexpr char const* kVsftpd = "/usr/sbin/vsftpd";
+
+// vsftpd with a throwaway configuration, whose user's home is the server's "/" (chrooted). With
+// certificate files it speaks implicit TLS on control and data and insists that data connections
+// reuse the control connection's TLS session.
+class VsftpdTestServer : public DaemonTestServer {
+public:
+    explicit VsftpdTestServer(TestCertificates const* tls = nullptr)
+        : DaemonTestServer("vsftpd", "perchftp-v")
+    {
+        std::filesystem::create_directories(folder_ / "empty");
+        std::ofstream config(folder_ / "vsftpd.conf");
+        config << "listen=YES\nlisten_address=127.0.0.1\nlisten_port=" << port_ << "\nbackground=NO\n"
+               << "anonymous_enable=NO\nlocal_enable=YES\nwrite_enable=YES\nlocal_umask=022\n"
+               << "chroot_local_user=YES\nallow_writeable_chroot=YES\nseccomp_sandbox=NO\n"
+               << "secure_chroot_dir=" << (folder_ / "empty").string() << "\npam_service_name=vsftpd\n"
+               << "pasv_enable=YES\npasv_address=127.0.0.1\ncheck_shell=NO\nuserlist_enable=NO\n"
+               << "xferlog_enable=NO\nvsftpd_log_file=" << (folder_ / "transfers.log").string() << "\n";
+        if (tls) {
+            config << "ssl_enable=YES\nimplicit_ssl=YES\nrequire_ssl_reuse=YES\nforce_local_logins_ssl=YES\n"
+                   << "force_local_data_ssl=YES\nssl_tlsv1=NO\nssl_sslv2=NO\nssl_sslv3=NO\n"
+                   << "rsa_cert_file=" << tls->serverCertificate().string() << "\nrsa_private_key_file="
+                   << tls->serverKey().string() << "\n";
+        }
+        config.close();
+        start({kVsftpd, (folder_ / "vsftpd.conf").string()});
+    }
+};
 
 void giveTo(std::filesystem::path const& path, uid_t owner, gid_t group)
 {
@@ -63,27 +92,23 @@ std::string start(WalkServerKind kind, std::unique_ptr<WalkServer>& server)
         server->scripted = running.get();
         return {};
     }
-    case WalkServerKind::Vsftpd: {
-        if (std::string const reason = VsftpdTestServer::whyUnavailable(); !reason.empty()) {
-            return reason;
-        }
-        auto running = std::make_shared<VsftpdTestServer>();
-        server = walkServer("vsftpd", "ftp", *running, "/", running->home(), running);
-        return {};
-    }
+    case WalkServerKind::Vsftpd:
     case WalkServerKind::VsftpdTls: {
-        if (std::string const reason = VsftpdTestServer::whyUnavailable(); !reason.empty()) {
+        if (std::string const reason = DaemonTestServer::whyUnavailable(kVsftpd, "vsftpd"); !reason.empty()) {
             return reason;
         }
-        auto certificates = std::make_shared<TestCertificates>();
-        if (std::string const reason = trustInPrivateMountNamespace(certificates->authorityCertificate());
-            !reason.empty()) {
-            return reason;
+        bool const tls = kind == WalkServerKind::VsftpdTls;
+        auto const certificates = tls ? std::make_shared<TestCertificates>() : nullptr;
+        if (tls) {
+            if (std::string const reason = trustInPrivateMountNamespace(certificates->authorityCertificate());
+                !reason.empty()) {
+                return reason;
+            }
         }
-        VsftpdTestServer::Tls const tls{certificates->serverCertificate(), certificates->serverKey()};
-        auto running = std::make_shared<VsftpdTestServer>(&tls);
-        server = walkServer("vsftpd, implicit TLS, require_ssl_reuse", "ftps", *running, "/", running->home(),
-                            std::make_shared<std::pair<decltype(certificates), decltype(running)>>(certificates, running));
+        auto running = std::make_shared<VsftpdTestServer>(certificates.get());
+        server = walkServer(tls ? "vsftpd, implicit TLS, require_ssl_reuse" : "vsftpd", tls ? "ftps" : "ftp", *running,
+                            "/", running->home(), std::make_shared<std::pair<decltype(certificates),
+                                                                             decltype(running)>>(certificates, running));
         return {};
     }
     case WalkServerKind::OpenSsh: {
