@@ -71,16 +71,16 @@ TEST_F(RemoteActions, TheContextMenuActsOnTheClickedRowAndARightClickSelectsAnUn
     EXPECT_EQ(contextMenuAt(1),
               QStringList({"Download", "-", "Create Folder", "Permission...", "Refresh", "Rename", "Delete"}));
     selectRows({0});
-    triggerContextItem(2, "Rename");
+    contextMenuAt(2, "Rename");
     EXPECT_EQ(takeRequests(), QStringList({"rename /srv/c.txt"}));
     EXPECT_EQ(pane->clickedRow(), -1) << "the clicked row lasts only while the menu is open";
 
     selectRows({0, 1});
-    triggerContextItem(2, "Download");
+    contextMenuAt(2, "Download");
     EXPECT_EQ(pane->selectedItems().size(), 1);
     EXPECT_EQ(takeRequests(), QStringList({"transfer /srv/c.txt"}));
     selectRows({0, 2});
-    triggerContextItem(2, "Download");
+    contextMenuAt(2, "Download");
     EXPECT_EQ(takeRequests(), QStringList({"transfer /srv/a.txt", "transfer /srv/c.txt"}))
         << "a right click on one of several selected rows takes them all";
     rightClickRow(-1);
@@ -89,10 +89,9 @@ TEST_F(RemoteActions, TheContextMenuActsOnTheClickedRowAndARightClickSelectsAnUn
     // Permission and Create Folder need no row, Refresh does; a message row is no row.
     pane->tableView()->clearSelection();
     QStringList const rowless{"(Download)", "-", "Create Folder", "Permission...", "(Refresh)", "(Rename)", "(Delete)"};
-    EXPECT_EQ(contextMenuAt(-1), rowless);
-    triggerContextItem(1, "Permission...");
-    triggerContextItem(-1, "Create Folder");
-    EXPECT_EQ(takeRequests(), QStringList({"permissions /srv/dir", "createFolder"}));
+    EXPECT_EQ(contextMenuAt(-1, "Create Folder"), rowless);
+    contextMenuAt(1, "Permission...");
+    EXPECT_EQ(takeRequests(), QStringList({"createFolder", "permissions /srv/dir"}));
     pane->showPlaceholder("Not connected.");
     EXPECT_EQ(contextMenuAt(0), rowless);
 }
@@ -160,8 +159,8 @@ protected:
     {
         makePane(false);
         pane->setDialogs(&dialogs);
-        tree.makeFolder("folder");
-        tree.makeFile("b.txt");
+        tree.make("folder/");
+        tree.make("b.txt");
         pane->loadLocalDirectory(tree.path());
         delegate.calls.clear();
     }

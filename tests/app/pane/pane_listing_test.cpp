@@ -36,13 +36,14 @@ class LocalPane : public testing::PaneFixture {
 protected:
     void SetUp() override { makePane(false); }
 
-    QList<bool> folderFlags() const
+    // The shown names, a folder's with a "/" after it.
+    QStringList listed() const
     {
-        QList<bool> flags;
-        for (PaneEntry const& entry : pane->entries()) {
-            flags.append(entry.dir);
+        QStringList names = shownNames();
+        for (int row = 0; row < names.size(); ++row) {
+            names[row] += pane->entries().at(row).dir ? QStringLiteral("/") : QString();
         }
-        return flags;
+        return names;
     }
 
     testing::FolderTree tree;
@@ -52,12 +53,11 @@ TEST_F(LocalPane, ListsAStandardisedFolderByNameWithoutCaseOrFoldersFirstAndFall
 {
     EXPECT_EQ(pane->pathField()->text(), QDir::homePath());
     for (QString const name : {"A-dir/", "c-dir/", "b.txt", ".hidden", "a.txt"}) {
-        name.endsWith(u'/') ? tree.makeFolder("list/" + name) : tree.makeFile("list/" + name);
+        tree.make("list/" + name);
     }
     pane->loadLocalDirectory(tree.path("list/./A-dir/..//"));
     EXPECT_EQ(pane->pathValue(), tree.path("list"));
-    EXPECT_EQ(shownNames(), QStringList({".hidden", "A-dir", "a.txt", "b.txt", "c-dir"}));
-    EXPECT_EQ(folderFlags(), QList<bool>({false, true, false, false, true}));
+    EXPECT_EQ(listed(), QStringList({".hidden", "A-dir/", "a.txt", "b.txt", "c-dir/"}));
     EXPECT_EQ(pane->entries().at(1).path, tree.path("list/A-dir"));
 
     // A column sort shows its arrow but the local rows keep their order.
@@ -78,7 +78,7 @@ TEST_F(LocalPane, ListsAStandardisedFolderByNameWithoutCaseOrFoldersFirstAndFall
 
 TEST_F(LocalPane, LinksAreFollowedBrokenLinksAreFilesNamesThatAreNotUtf8AreShownAndClicksNavigateQuietly)
 {
-    tree.makeFolder("real-dir");
+    tree.make("real-dir/");
     QFile::link(tree.path("real-dir"), tree.path("link-to-dir"));
     QFile::link(tree.path("gone"), tree.path("broken-link"));
     QByteArray const badFolder = QFile::encodeName(tree.path()) + "/dir-\xff\xfe";
@@ -92,9 +92,8 @@ TEST_F(LocalPane, LinksAreFollowedBrokenLinksAreFilesNamesThatAreNotUtf8AreShown
 
     pane->loadLocalDirectory(tree.path());
     QString const replacement(QChar::ReplacementCharacter);
-    EXPECT_EQ(shownNames(), QStringList({"broken-link", "caf" + replacement + ".txt",
-                                         "dir-" + replacement + replacement, "link-to-dir", "real-dir"}));
-    EXPECT_EQ(folderFlags(), QList<bool>({false, false, true, true, true}))
+    EXPECT_EQ(listed(), QStringList({"broken-link", "caf" + replacement + ".txt",
+                                     "dir-" + replacement + replacement + "/", "link-to-dir/", "real-dir/"}))
         << "the folder flag is read from the disk, not from the shown name";
     testing::doubleClick(pane->tableView()->viewport(), rowCentre(2));
     EXPECT_EQ(shownNames(), QStringList({"inside.txt"}));
@@ -113,7 +112,7 @@ TEST_F(LocalPane, LinksAreFollowedBrokenLinksAreFilesNamesThatAreNotUtf8AreShown
 
 TEST_F(LocalPane, ThePathFieldAsksTheShellToOpenTheStandardisedPathWhenEditedAndGarbageEndsAtHome)
 {
-    tree.makeFolder("typed");
+    tree.make("typed/");
     auto const commit = [this](QString const& text) {
         pane->pathField()->setText(text);
         QTest::keyClick(pane->pathField(), Qt::Key_Return);
@@ -135,7 +134,7 @@ TEST_F(LocalPane, ThePathFieldAsksTheShellToOpenTheStandardisedPathWhenEditedAnd
 
 TEST_F(LocalPane, EmptyAndUnreadableFoldersShowAMessageRowThatNoActionTouchesAndUpLeavesThem)
 {
-    QString const empty = tree.makeFolder("empty");
+    QString const empty = tree.make("empty/");
     pane->loadLocalDirectory(empty);
     ASSERT_EQ(shownNames(), QStringList({"<empty directory>"}));
     EXPECT_EQ(pane->entries().first().path, empty);
@@ -147,7 +146,7 @@ TEST_F(LocalPane, EmptyAndUnreadableFoldersShowAMessageRowThatNoActionTouchesAnd
     EXPECT_EQ(delegate.calls, QStringList({"selection " + empty}));
     EXPECT_EQ(pane->pathValue(), empty);
 
-    QString const locked = tree.makeFolder("locked");
+    QString const locked = tree.make("locked/");
     ASSERT_EQ(::chmod(QFile::encodeName(tree.path()).constData(), 0755), 0);
     ASSERT_EQ(::chmod(QFile::encodeName(locked).constData(), 0), 0);
     {
