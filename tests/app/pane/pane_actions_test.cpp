@@ -1,21 +1,15 @@
 // Which row an action means, the context menu, drops, keys, the folder dialog, and the views around
 // the panes: the divider lane and view lifetimes.
 #include "app/pane/perch_pane_split_view.hpp"
-#include "app/pane/perch_pane_table_model.hpp"
-#include "app/pane/perch_pane_table_view.hpp"
 #include "app/pane/perch_path_field.hpp"
 #include "pane_test_support.hpp"
 #include "support/scripted_shell_dialogs.hpp"
 
-#include <QApplication>
-#include <QDir>
-#include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPointer>
 #include <QSignalSpy>
-#include <QTest>
 #include <QToolButton>
 #include <QUrl>
 
@@ -39,9 +33,15 @@ protected:
     }
 
     QStringList takeRequests() { return delegate.takeRequests(); }
+    void press(std::initializer_list<Qt::Key> keys)
+    {
+        for (Qt::Key const key : keys) {
+            QTest::keySequence(pane->tableView(), QKeySequence(key));
+        }
+    }
 };
 
-TEST_F(RemoteActions, OnlyDownloadWorksHereAndTheButtonsActOnTheSelection)
+TEST_F(RemoteActions, OnlyDownloadWorksHereTheButtonsActOnTheSelectionAndTheMenuOnTheClickedRow)
 {
     EXPECT_FALSE(pane->openFolderButton()->isVisible());
     EXPECT_FALSE(pane->uploadButton()->isEnabled());
@@ -64,10 +64,8 @@ TEST_F(RemoteActions, OnlyDownloadWorksHereAndTheButtonsActOnTheSelection)
     pane->downloadClicked();
     pane->createFolderClicked();
     EXPECT_EQ(takeRequests(), QStringList({"transfer /srv/dir (dir)", "transfer /srv/d.txt", "createFolder"}));
-}
 
-TEST_F(RemoteActions, TheContextMenuActsOnTheClickedRowAndARightClickSelectsAnUnselectedRowAlone)
-{
+    // The context menu acts on the clicked row, and a right click selects an unselected row alone.
     EXPECT_EQ(contextMenuAt(1),
               QStringList({"Download", "-", "Create Folder", "Permission...", "Refresh", "Rename", "Delete"}));
     selectRows({0});
@@ -123,26 +121,21 @@ TEST_F(RemoteActions, OnlyLocalFilesAreTakenByADropAndADesktopDragCopiesIntoTheF
     EXPECT_EQ(takeRequests(), QStringList({"drop /srv/dir /home/u/one.txt,/home/u/two"}));
 }
 
-TEST_F(RemoteActions, TheFileListTakesTheKeysOfAFileManagerExceptOnTheMessageRow)
+TEST_F(RemoteActions, TheFileListTakesTheKeysOfAFileManagerExceptOnTheMessageRowAndThePathFieldOnlyEdits)
 {
     pane->setCurrentPath("/srv/site");
     pane->tableView()->setFocus();
     selectRows({0});
-    for (Qt::Key const key : {Qt::Key_Down, Qt::Key_Return, Qt::Key_F2, Qt::Key_Delete, Qt::Key_F5, Qt::Key_Backspace}) {
-        QTest::keySequence(pane->tableView(), QKeySequence(key));
-    }
+    press({Qt::Key_Down, Qt::Key_Return, Qt::Key_F2, Qt::Key_Delete, Qt::Key_F5, Qt::Key_Backspace});
     EXPECT_EQ(takeRequests(), QStringList({"open /srv/dir", "rename /srv/dir (dir)", "delete /srv/dir (dir)",
                                            "open /srv/site", "open /srv"}));
 
     pane->showPlaceholder("Not connected.");
     selectRows({0});
-    QTest::keySequence(pane->tableView(), QKeySequence(Qt::Key_Return));
-    QTest::keySequence(pane->tableView(), QKeySequence(Qt::Key_F2));
+    press({Qt::Key_Return, Qt::Key_F2});
     EXPECT_TRUE(takeRequests().isEmpty());
-}
 
-TEST_F(RemoteActions, ADoubleClickOnThePathFieldEditsAsUsualAndOpensNoDialog)
-{
+    // A double click on the remote path field edits as usual and opens no dialog.
     test::ScriptedShellDialogs dialogs; // any question fails the test
     pane->setDialogs(&dialogs);
     pane->setPathValue("/var/www");
@@ -169,7 +162,7 @@ protected:
     test::ScriptedShellDialogs dialogs;
 };
 
-TEST_F(LocalActions, OnlyUploadAndOpenFolderWorkHereTheMenuFitsTheLocalSideAndDropsAreRefused)
+TEST_F(LocalActions, OnlyUploadAndOpenFolderWorkHereDropsAreRefusedAndThePathFieldOpensTheFolderDialog)
 {
     EXPECT_TRUE(pane->openFolderButton()->isVisible());
     EXPECT_FALSE(pane->downloadButton()->isEnabled());
@@ -189,10 +182,8 @@ TEST_F(LocalActions, OnlyUploadAndOpenFolderWorkHereTheMenuFitsTheLocalSideAndDr
     EXPECT_FALSE(pane->validateDrop(&data));
     EXPECT_FALSE(pane->model()->canDropMimeData(&data, Qt::CopyAction, -1, -1, pane->model()->index(0, 0)));
     EXPECT_TRUE(delegate.takeRequests().isEmpty());
-}
 
-TEST_F(LocalActions, ADoubleClickOnThePathFieldAsksForAFolderOnlyAfterTheClickHasEnded)
-{
+    // A double click on the path field asks for a folder, only once the click has ended.
     dialogs.expectFolder(tree.path("folder") + "/ \n");
     testing::doubleClick(pane->pathField(), pane->pathField()->rect().center());
     EXPECT_TRUE(dialogs.questions().empty()) << "the dialog must be posted, not run inside the click";
@@ -222,47 +213,37 @@ TEST_F(LocalActions, ADoubleClickOnThePathFieldAsksForAFolderOnlyAfterTheClickHa
     EXPECT_EQ(dialogs.questions().size(), 4u) << "the shell took over the button";
 }
 
-TEST(PaneSplitView, TheLaneDragsWhereItIsEmptyAndItsArrowsClickWithoutMovingIt)
+TEST(PaneViews, TheLaneDragsWhereItIsEmptyItsArrowsClickWithoutMovingItAndAViewLivesAsLongAsItsOwner)
 {
     PerchPaneSplitView split;
-    split.addWidget(new QLabel("local"));
+    auto local = std::make_unique<PerchFilePaneController>(QStringLiteral("Local"), false);
+    split.addWidget(local->view());
     split.addWidget(new QLabel("remote"));
-    split.resize(840, 400);
-    split.setSizes({400, 400});
+    split.resize(1440, 400);
+    split.setSizes({700, 700});
     split.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&split));
-
     QSignalSpy uploads(&split, &PerchPaneSplitView::rightArrowClicked);
     QSignalSpy downloads(&split, &PerchPaneSplitView::leftArrowClicked);
-    QTest::mouseClick(split.rightArrowButton(), Qt::LeftButton);
-    QTest::mouseClick(split.leftArrowButton(), Qt::LeftButton);
-    QTest::mouseClick(split.leftArrowButton(), Qt::LeftButton);
+    for (QToolButton* arrow : {split.rightArrowButton(), split.leftArrowButton(), split.leftArrowButton()}) {
+        QTest::mouseClick(arrow, Qt::LeftButton);
+    }
     EXPECT_EQ(uploads.size(), 1);
     EXPECT_EQ(downloads.size(), 2);
-    EXPECT_EQ(split.sizes().first(), 400);
-
+    EXPECT_EQ(split.sizes().first(), 700);
     QSplitterHandle* lane = split.handle(1);
     QPoint const empty(20, 8);
     QTest::mousePress(lane, Qt::LeftButton, {}, empty);
     QTest::mouseMove(lane, empty + QPoint(60, 0));
     QTest::mouseRelease(lane, Qt::LeftButton, {}, empty + QPoint(60, 0));
-    EXPECT_EQ(split.sizes().first(), 460);
-}
+    EXPECT_EQ(split.sizes().first(), 760);
 
-TEST(PaneLifetime, AViewOutlivesItsPaneWhenAWindowAdoptedItAndDiesWithItOtherwise)
-{
-    {
-        PerchPaneSplitView split;
-        auto local = std::make_unique<PerchFilePaneController>(QStringLiteral("Local"), false);
-        split.addWidget(local->view());
-        split.show();
-        QPointer<QWidget> const view = local->view();
-        local.reset();
-        ASSERT_FALSE(view.isNull()) << "the splitter owns the adopted view";
-        split.repaint();
-        testing::doubleClick(view->findChild<PerchPathField*>(), QPoint(12, 8));
-        EXPECT_TRUE(view->findChild<PerchPathField*>()->hasSelectedText()) << "the field is a plain one now";
-    }
+    QPointer<QWidget> const view = local->view();
+    local.reset();
+    ASSERT_FALSE(view.isNull()) << "the splitter owns the adopted view";
+    split.repaint();
+    testing::doubleClick(view->findChild<PerchPathField*>(), QPoint(12, 8));
+    EXPECT_TRUE(view->findChild<PerchPathField*>()->hasSelectedText()) << "the field is a plain one now";
     {
         PerchFilePaneController pane(QStringLiteral("Local"), false);
         delete pane.view();
@@ -271,10 +252,10 @@ TEST(PaneLifetime, AViewOutlivesItsPaneWhenAWindowAdoptedItAndDiesWithItOtherwis
         testing::doubleClick(&other, QPoint(5, 5));
         EXPECT_EQ(pane.view(), nullptr) << "a pane without its view ignores double clicks elsewhere";
     }
-    auto pane = std::make_unique<PerchFilePaneController>(QStringLiteral("Remote"), true);
-    QPointer<QWidget> const view = pane->view();
-    pane.reset();
-    EXPECT_TRUE(view.isNull());
+    auto remote = std::make_unique<PerchFilePaneController>(QStringLiteral("Remote"), true);
+    QPointer<QWidget> const remoteView = remote->view();
+    remote.reset();
+    EXPECT_TRUE(remoteView.isNull()) << "a view no window adopted dies with its pane";
 }
 
 } // namespace

@@ -49,9 +49,29 @@ protected:
     testing::FolderTree tree;
 };
 
-TEST_F(LocalPane, ListsAStandardisedFolderByNameWithoutCaseOrFoldersFirstAndFallsBackToHomeSilently)
+TEST_F(LocalPane, ListsAStandardisedFolderByNameWithoutCaseOrFoldersFirstFallsBackToHomeAndOpensEditedPaths)
 {
     EXPECT_EQ(pane->pathField()->text(), QDir::homePath());
+
+    // An edited path field asks the shell to open the standardised path; garbage ends at home.
+    tree.make("typed/");
+    auto const commit = [this](QString const& text) {
+        pane->pathField()->setText(text);
+        QTest::keyClick(pane->pathField(), Qt::Key_Return);
+        return delegate.takeRequests();
+    };
+    EXPECT_EQ(commit("  " + tree.path("typed/../typed/") + "\n"), QStringList({"open " + tree.path("typed")}));
+    EXPECT_EQ(commit("   "), QStringList({"open " + QDir::homePath()}));
+    EXPECT_EQ(commit(QString::fromUtf8("\x01\x7f ../~nobody-here/\xe2\x80\xae?*<>|\t")).size(), 1);
+    EXPECT_EQ(pane->pathValue(), QDir::homePath());
+    pane->loadLocalDirectory(tree.path());
+    pane->pathField()->setFocus();
+    emit pane->pathField()->editingFinished();
+    EXPECT_TRUE(delegate.takeRequests().isEmpty()) << "leaving an unedited field commits nothing";
+    QTest::keyClicks(pane->pathField(), "/");
+    emit pane->pathField()->editingFinished();
+    EXPECT_EQ(delegate.takeRequests(), QStringList({"open " + tree.path()}));
+
     for (QString const name : {"A-dir/", "c-dir/", "b.txt", ".hidden", "a.txt"}) {
         tree.make("list/" + name);
     }
@@ -74,6 +94,7 @@ TEST_F(LocalPane, ListsAStandardisedFolderByNameWithoutCaseOrFoldersFirstAndFall
         EXPECT_EQ(pane->pathField()->text(), QDir::homePath());
     }
     EXPECT_TRUE(delegate.calls.isEmpty());
+
 }
 
 TEST_F(LocalPane, LinksAreFollowedBrokenLinksAreFilesNamesThatAreNotUtf8AreShownAndClicksNavigateQuietly)
@@ -108,28 +129,6 @@ TEST_F(LocalPane, LinksAreFollowedBrokenLinksAreFilesNamesThatAreNotUtf8AreShown
         ::unlink(file.constData());
     }
     ::rmdir(badFolder.constData());
-}
-
-TEST_F(LocalPane, ThePathFieldAsksTheShellToOpenTheStandardisedPathWhenEditedAndGarbageEndsAtHome)
-{
-    tree.make("typed/");
-    auto const commit = [this](QString const& text) {
-        pane->pathField()->setText(text);
-        QTest::keyClick(pane->pathField(), Qt::Key_Return);
-        return delegate.takeRequests();
-    };
-    EXPECT_EQ(commit("  " + tree.path("typed/../typed/") + "\n"), QStringList({"open " + tree.path("typed")}));
-    EXPECT_EQ(commit("   "), QStringList({"open " + QDir::homePath()}));
-    EXPECT_EQ(commit(QString::fromUtf8("\x01\x7f ../~nobody-here/\xe2\x80\xae?*<>|\t")).size(), 1);
-    EXPECT_EQ(pane->pathValue(), QDir::homePath());
-
-    pane->loadLocalDirectory(tree.path());
-    pane->pathField()->setFocus();
-    emit pane->pathField()->editingFinished();
-    EXPECT_TRUE(delegate.takeRequests().isEmpty()) << "leaving an unedited field commits nothing";
-    QTest::keyClicks(pane->pathField(), "/");
-    emit pane->pathField()->editingFinished();
-    EXPECT_EQ(delegate.takeRequests(), QStringList({"open " + tree.path()}));
 }
 
 TEST_F(LocalPane, EmptyAndUnreadableFoldersShowAMessageRowThatNoActionTouchesAndUpLeavesThem)
@@ -175,7 +174,7 @@ protected:
     QString cell(int row, int column) const { return pane->model()->index(row, column).data().toString(); }
 };
 
-TEST_F(RemotePane, ARefreshShowsThePathAndKeepsTheRowsAndMessageRowsLeaveAnEditedPathAlone)
+TEST_F(RemotePane, MessageRowsLeaveAnEditedPathAloneAndTheServersOrderLastsUntilASortIsChosen)
 {
     EXPECT_EQ(pane->pathField()->text(), "/");
     ASSERT_EQ(shownNames(), QStringList({"Not connected."}));
@@ -198,10 +197,8 @@ TEST_F(RemotePane, ARefreshShowsThePathAndKeepsTheRowsAndMessageRowsLeaveAnEdite
     ASSERT_EQ(shownNames(), QStringList({"<empty directory>"}));
     EXPECT_EQ(cell(0, Model::SizeColumn), "");
     EXPECT_TRUE(delegate.takeRequests().isEmpty());
-}
 
-TEST_F(RemotePane, ListingsKeepTheServersOrderUntilASortIsChosenWhichKeepsTheSelectionAndLastsAcrossListings)
-{
+    // Listings keep the server's order until a sort is chosen, which keeps the selection and lasts.
     pane->showRemoteEntries(serverListing(), "/srv");
     EXPECT_EQ(shownNames(), QStringList({"mid.bin", "Docs", "big.iso", "alpha.txt", "empty"}));
     EXPECT_EQ(QStringList({cell(0, Model::PermissionsColumn), cell(0, Model::ModifiedColumn),
@@ -225,7 +222,7 @@ TEST_F(RemotePane, ListingsKeepTheServersOrderUntilASortIsChosenWhichKeepsTheSel
     EXPECT_EQ(shownNames().first(), "empty") << "the sort chosen over a placeholder applies to the next listing";
 }
 
-TEST_F(RemotePane, ARefreshOfTheSameFolderKeepsTheSelectionAndScrollAndAnotherFolderStartsAfresh)
+TEST_F(RemotePane, ARefreshOfTheSameFolderKeepsSelectionAndScrollAndNavigationIsReportedToTheShell)
 {
     pane->showRemoteEntries(serverListing(), "/srv");
     selectRows({0, 1, 3, 4});
@@ -256,10 +253,8 @@ TEST_F(RemotePane, ARefreshOfTheSameFolderKeepsTheSelectionAndScrollAndAnotherFo
     pane->showRemoteEntries(many, "/srv/other");
     EXPECT_EQ(scroll->value(), 0);
     EXPECT_EQ(delegate.calls, QStringList({"selection "}));
-}
 
-TEST_F(RemotePane, NavigationAndSelectionsAreReportedToTheShell)
-{
+    // Navigation and selections are reported to the shell.
     pane->showRemoteEntries(serverListing(), "/srv");
     testing::doubleClick(pane->tableView()->viewport(), rowCentre(1));
     for (QString const path : {"/srv/data", "/", ""}) {
