@@ -1,23 +1,18 @@
 // What the panes list and where their clicks lead: the local pane on real folder trees, the remote
 // pane on the rows the shell hands it.
-#include "app/pane/perch_pane_table_model.hpp"
-#include "app/pane/perch_pane_table_view.hpp"
 #include "app/pane/perch_path_field.hpp"
 #include "pane_test_support.hpp"
 #include "support/file_access_as_nobody.hpp"
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 #include <QHeaderView>
 #include <QScrollBar>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 
 namespace perchftp::app {
 namespace {
@@ -102,14 +97,10 @@ TEST_F(LocalPane, LinksAreFollowedBrokenLinksAreFilesNamesThatAreNotUtf8AreShown
     tree.make("real-dir/");
     QFile::link(tree.path("real-dir"), tree.path("link-to-dir"));
     QFile::link(tree.path("gone"), tree.path("broken-link"));
-    QByteArray const badFolder = QFile::encodeName(tree.path()) + "/dir-\xff\xfe";
-    QByteArray const badFiles[] = {QFile::encodeName(tree.path()) + "/caf\xe9.txt", badFolder + "/inside.txt"};
-    ASSERT_EQ(::mkdir(badFolder.constData(), 0755), 0);
-    for (QByteArray const& file : badFiles) {
-        int const descriptor = ::open(file.constData(), O_CREAT | O_WRONLY, 0644);
-        ASSERT_GE(descriptor, 0);
-        ::close(descriptor);
-    }
+    std::string const root = QFile::encodeName(tree.path()).toStdString();
+    ASSERT_TRUE(std::filesystem::create_directory(root + "/dir-\xff\xfe"));
+    std::ofstream(root + "/caf\xe9.txt").put('x');
+    std::ofstream(root + "/dir-\xff\xfe/inside.txt").put('x');
 
     pane->loadLocalDirectory(tree.path());
     QString const replacement(QChar::ReplacementCharacter);
@@ -123,12 +114,7 @@ TEST_F(LocalPane, LinksAreFollowedBrokenLinksAreFilesNamesThatAreNotUtf8AreShown
     testing::doubleClick(pane->tableView()->viewport(), rowCentre(1));
     EXPECT_EQ(pane->pathValue(), tree.path()) << "a double click on a file selects it and does nothing else";
     EXPECT_TRUE(delegate.takeRequests().isEmpty()) << "local navigation is neither asked for nor remembered";
-
-    // The temporary folder cannot name these for removal itself.
-    for (QByteArray const& file : badFiles) {
-        ::unlink(file.constData());
-    }
-    ::rmdir(badFolder.constData());
+    std::filesystem::remove_all(root); // the temporary folder cannot name these for removal itself
 }
 
 TEST_F(LocalPane, EmptyAndUnreadableFoldersShowAMessageRowThatNoActionTouchesAndUpLeavesThem)
