@@ -69,7 +69,7 @@ TEST_F(Transfers, SelectedFilesGoUpAndComeDownEachJobRunningToItsOwnEnd)
     EXPECT_EQ(popupMessage(), "Transfer failed.");
 }
 
-TEST_F(Transfers, RefusalsBeforeAnyWorkLeaveTheQueueEmpty)
+TEST_F(Transfers, RefusalsLeaveTheQueueEmptyTargetsFollowThePathsFormAndTheQueueViewMatchesAReload)
 {
     putLocal("folder/");
     putRemote("/srv/");
@@ -103,10 +103,7 @@ TEST_F(Transfers, RefusalsBeforeAnyWorkLeaveTheQueueEmpty)
     EXPECT_EQ(banner(), "⚠️ Selected item path is invalid.");
     EXPECT_TRUE(jobs().empty());
     EXPECT_FALSE(std::filesystem::exists(local("new"))) << "nothing is made on the local side";
-}
 
-TEST_F(Transfers, TargetsFollowThePathsFormAndTheQueueViewMatchesAReload)
-{
     putLocal("notes.txt", "N");
     putRemote("/in/");
     transfer(JobType::Upload, localText("notes.txt"), QStringLiteral("/in/"));
