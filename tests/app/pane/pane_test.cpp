@@ -229,8 +229,9 @@ protected:
     // The rows the actions are tried on.
     void showActionRows()
     {
-        pane->showRemoteEntries(
-            {remoteFile("a.txt", 1), remoteFolder("dir"), remoteFile("c.txt", 3), remoteFile("d.txt", 4)}, "/srv");
+        PaneEntries const rows{remoteFile("a.txt", 1), remoteFolder("dir"), remoteFile("c.txt", 3),
+                               remoteFile("d.txt", 4)};
+        pane->showRemoteEntries(rows, "/srv");
         delegate.calls.clear();
     }
 

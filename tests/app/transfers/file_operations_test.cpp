@@ -211,7 +211,8 @@ TEST_F(FileOperations, RemoteItemsAreCreatedRenamedDeletedWithTheirTreesAndChang
     EXPECT_EQ(banner(), "⚠️ Remote delete failed: recursive remote delete failed");
     EXPECT_EQ(popupMessage(), "Remote delete failed: recursive remote delete failed");
     QString const log = log_.toPlainText();
-    EXPECT_TRUE(log.startsWith("Remote nested file delete failed: ftp ") && !log.contains(u'\n')) << log.toStdString();
+    EXPECT_TRUE(log.startsWith("Remote nested file delete failed: ftp ") && !log.contains(u'\n'))
+        << "one line: " << log.toStdString();
 
     // Permissions are proposed from the first item. The mode travels to the server in decimal, so
     // the digits the server reads are not those the user typed: 644 arrives as 420, and a mode
