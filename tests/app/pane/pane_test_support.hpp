@@ -2,26 +2,42 @@
 
 #include "app/pane/perch_file_pane_controller.hpp"
 #include "app/pane/perch_file_pane_controller_delegate.hpp"
+#include "app/pane/perch_pane_table_model.hpp"
+#include "app/pane/perch_pane_table_view.hpp"
 #include "support/qt_printers.hpp"
 
 #include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDir>
+#include <QFile>
+#include <QItemSelectionModel>
+#include <QMenu>
+#include <QRegularExpression>
 #include <QPoint>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
-
-class QMenu;
 
 namespace perchftp::app::testing {
 
 // A remote row as the shell builds it from a listing.
-PaneEntry remoteFile(QString const& name, quint64 size, QString const& permissions = QStringLiteral("-rw-r--r--"),
-                     QString const& modifiedAt = QStringLiteral(""));
-PaneEntry remoteFolder(QString const& name, quint64 sizeValue = 4096);
+inline PaneEntry remoteFile(QString const& name, quint64 size,
+                            QString const& permissions = QStringLiteral("-rw-r--r--"),
+                            QString const& modifiedAt = QStringLiteral(""))
+{
+    return {name, "/srv/" + name, false, false, permissions, QString::number(size), size, modifiedAt};
+}
+
+inline PaneEntry remoteFolder(QString const& name, quint64 sizeValue = 4096)
+{
+    return {name, "/srv/" + name, true, false, QStringLiteral("drwxr-xr-x"), QStringLiteral(""), sizeValue, {}};
+}
 
 // Records every request of a pane as one line: the method, the path, " (dir)" for a folder, then the
 // paths of the items or the dropped files. Every request must name the side of the pane that made it.
@@ -31,9 +47,20 @@ public:
     QStringList calls;
 
     // The calls other than selection reports, and forgets all calls.
-    QStringList takeRequests();
+    QStringList takeRequests()
+    {
+        QStringList requests = calls.filter(QRegularExpression(QStringLiteral("^(?!selection )")));
+        calls.clear();
+        return requests;
+    }
 
-    void didRequestOpenPath(PerchFilePaneController* pane, QString const& path, bool isRemote) override;
+    void didRequestOpenPath(PerchFilePaneController* pane, QString const& path, bool isRemote) override
+    {
+        record(pane, isRemote, "open " + path);
+        if (!isRemote) {
+            pane->loadLocalDirectory(path);
+        }
+    }
     void didChangeSelectionPath(PerchFilePaneController* pane, QString const& path, bool isRemote) override
     {
         record(pane, isRemote, "selection " + path);
@@ -73,7 +100,14 @@ public:
 
 private:
     void record(PerchFilePaneController* pane, bool isRemote, QString call, bool isDirectory = false,
-                PaneEntries const& items = {});
+                PaneEntries const& items = {})
+    {
+        EXPECT_EQ(isRemote, pane->isRemote()) << call.toStdString();
+        for (PaneEntry const& item : items) {
+            call += u' ' + item.path;
+        }
+        calls.append(isDirectory ? call + QStringLiteral(" (dir)") : call);
+    }
 };
 
 // A real folder tree in a temporary place.
@@ -83,32 +117,105 @@ public:
     {
         return relative.isEmpty() ? m_root.path() : m_root.path() + u'/' + relative;
     }
-    QString makeFolder(QString const& relative) const;
-    QString makeFile(QString const& relative) const;
+    // Makes a file, or a folder where the path ends in "/"; gives its path without that "/".
+    QString make(QString const& relative) const
+    {
+        if (relative.endsWith(u'/')) {
+            EXPECT_TRUE(QDir().mkpath(path(relative)));
+            return path(relative.chopped(1));
+        }
+        QFile file(path(relative));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << relative.toStdString();
+        return path(relative);
+    }
 
 private:
     QTemporaryDir m_root;
 };
 
 // A double click as a desktop delivers it to a widget: press, release, press, double click, release.
-void doubleClick(QWidget* widget, QPoint const& position);
+inline void doubleClick(QWidget* widget, QPoint const& position)
+{
+    QTest::mousePress(widget, Qt::LeftButton, {}, position);
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, position);
+    QTest::mousePress(widget, Qt::LeftButton, {}, position);
+    QTest::mouseDClick(widget, Qt::LeftButton, {}, position);
+    QTest::mouseRelease(widget, Qt::LeftButton, {}, position);
+}
 
 // One shown pane with a recording delegate and the model checked by QAbstractItemModelTester (the
 // tester is declared after the pane so that it goes first).
 class PaneFixture : public ::testing::Test {
 protected:
-    void makePane(bool isRemote);
+    void makePane(bool isRemote)
+    {
+        QString const title = isRemote ? QStringLiteral("Remote") : QStringLiteral("Local");
+        pane = std::make_unique<PerchFilePaneController>(title, isRemote);
+        pane->setDelegate(&delegate);
+        modelTester = std::make_unique<QAbstractItemModelTester>(
+            pane->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+        pane->view()->resize(1000, 600);
+        pane->view()->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(pane->view()));
+    }
 
-    QStringList shownNames() const;
-    void selectRows(QList<int> const& rows);
-    QPoint rowCentre(int row) const;
-    void rightClickRow(int row);
-    // Opens the context menu over `row` (-1: below the rows) the way a right click does, runs
-    // `whileOpen` on the open menu and closes it.
-    void withContextMenuAt(int row, std::function<void(QMenu*)> const& whileOpen);
-    // The menu's items as opened over `row`: "-" for a separator, a disabled item in parentheses.
-    QStringList contextMenuAt(int row);
-    void triggerContextItem(int row, QString const& title);
+    QStringList shownNames() const
+    {
+        QStringList names;
+        for (int row = 0; row < pane->model()->rowCount(); ++row) {
+            names.append(pane->model()->index(row, PerchPaneTableModel::NameColumn).data().toString());
+        }
+        return names;
+    }
+    void selectRows(QList<int> const& rows)
+    {
+        QItemSelectionModel* selection = pane->tableView()->selectionModel();
+        selection->clearSelection();
+        for (int const row : rows) {
+            selection->setCurrentIndex(pane->model()->index(row, 0),
+                                       QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        }
+    }
+    // The centre of a row, or a point below the rows for -1.
+    QPoint rowCentre(int row) const
+    {
+        QWidget const* viewport = pane->tableView()->viewport();
+        return row < 0 ? QPoint(viewport->width() / 2, viewport->height() - 4)
+                       : pane->tableView()->visualRect(pane->model()->index(row, 0)).center();
+    }
+    void rightClickRow(int row)
+    {
+        QTest::mousePress(pane->tableView()->viewport(), Qt::RightButton, {}, rowCentre(row));
+        QTest::mouseRelease(pane->tableView()->viewport(), Qt::RightButton, {}, rowCentre(row));
+    }
+    // Opens the context menu over `row` the way a right click does, triggers the item titled
+    // `trigger` if any, and gives the items: "-" for a separator, a disabled item in parentheses.
+    QStringList contextMenuAt(int row, QString const& trigger = {})
+    {
+        rightClickRow(row);
+        QStringList items;
+        QTimer::singleShot(0, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu) {
+                return;
+            }
+            EXPECT_EQ(menu->title(), "Pane Actions");
+            for (QAction* action : menu->actions()) {
+                QString const title = action->isSeparator() ? QStringLiteral("-") : action->text();
+                items.append(action->isEnabled() ? title : u'(' + title + u')');
+                if (title == trigger) {
+                    action->trigger();
+                }
+            }
+            menu->close();
+        });
+        QWidget* viewport = pane->tableView()->viewport();
+        QPoint const at = rowCentre(row);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, viewport->mapToGlobal(at));
+        QApplication::sendEvent(viewport, &event);
+        EXPECT_FALSE(items.isEmpty()) << "the context menu did not open";
+        return items;
+    }
 
     RecordingPaneDelegate delegate;
     std::unique_ptr<PerchFilePaneController> pane;

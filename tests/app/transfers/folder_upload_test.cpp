@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QLineEdit>
-
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -44,7 +42,7 @@ TEST_F(FolderUpload, NestedFoldersEmptyFoldersAndLinksArriveAsTheWalkFindsThem)
     fs::create_symlink(local("elsewhere/shared.txt"), local("site/linked.txt"));
     fs::create_directory_symlink(local("elsewhere/deep"), local("site/linked-folder"));
     ASSERT_EQ(::mkfifo(local("site/pipe").c_str(), 0600), 0);
-    selectLocal({"site"});
+    select(localPane(), {"site"});
     controller().centerUploadAction();
 
     EXPECT_EQ(remoteContent("/site/index.html"), "<html>");
@@ -85,10 +83,15 @@ TEST_F(FolderUpload, NestedFoldersEmptyFoldersAndLinksArriveAsTheWalkFindsThem)
     EXPECT_FALSE(remoteExists("/x.txt"));
 }
 
-TEST_F(FolderUpload, AnExistingRemoteFolderIsCanceledSkippedUnderTheLocalRootOrReplacedUpToItsMkdir)
+// Without its own answer to MKD the server refuses an existing folder, and the adapter's words for
+// that never say "exist", so a replace stops there. Once MKD of an existing folder succeeds, the
+// walk goes on into the folder and meets the files one by one.
+TEST_F(FolderUpload, AnExistingFolderIsCanceledSkippedOrReplacedAndARememberedAnswerTakesEveryLaterConflict)
 {
-    putLocal("docs/a.txt", "new");
-    putRemote("/docs/a.txt", "old");
+    for (std::string const name : {"a.txt", "b.txt", "sub/c.txt"}) {
+        putLocal("docs/" + name, "new " + name);
+        putRemote("/docs/" + name, "old " + name);
+    }
     dialogs().expectCheckBoxAlert(kCancel, false);
     uploadFolder("docs");
     EXPECT_EQ(popupMessage(), "Folder upload canceled.");
@@ -96,34 +99,20 @@ TEST_F(FolderUpload, AnExistingRemoteFolderIsCanceledSkippedUnderTheLocalRootOrR
     uploadFolder("docs");
     EXPECT_EQ(popupMessage(), "Folder upload skipped.");
     EXPECT_EQ(banner(), "✅ Folder upload skipped.");
-    ASSERT_EQ(jobs().size(), 2u);
-    EXPECT_EQ(jobs()[0].state, JobState::Canceled);
-    EXPECT_EQ(jobs()[1].state, JobState::Skipped);
-    for (auto const& job : jobs()) {
-        EXPECT_EQ(job.localPath, local("docs"));
-        EXPECT_EQ(job.remotePath, "/docs");
-    }
-
-    // The adapter's words for a failed mkdir never say "exist", so a replace stops there.
     dialogs().expectCheckBoxAlert(kReplace, false);
     uploadFolder("docs");
     EXPECT_EQ(dialogs().questions().back().text, "Folder \"docs\" already exists at the destination.");
     EXPECT_TRUE(banner().startsWith("⚠️ Remote folder create failed: ftp operation failed: ")) << banner().toStdString();
     EXPECT_EQ(popupMessage(), "Folder upload failed.");
-    EXPECT_EQ(remoteContent("/docs/a.txt"), "old");
-    EXPECT_EQ(jobs().size(), 2u);
-}
-
-// A server that answers MKD of an existing folder with success, so that the walk goes on into the
-// folder and meets the files one by one.
-TEST_F(FolderUpload, InsideAnExistingTreeARememberedAnswerTakesEveryLaterConflictOfThatTransfer)
-{
-    for (std::string const name : {"a.txt", "b.txt", "sub/c.txt"}) {
-        putLocal("docs/" + name, "new " + name);
-        putRemote("/docs/" + name, "old " + name);
+    EXPECT_EQ(remoteContent("/docs/a.txt"), "old a.txt");
+    ASSERT_EQ(states(), (std::vector<JobState>{JobState::Canceled, JobState::Skipped}));
+    for (auto const& job : jobs()) {
+        EXPECT_EQ(job.localPath, local("docs"));
+        EXPECT_EQ(job.remotePath, "/docs");
     }
-    server().setReply("MKD", "257 \"folder\" is there.");
+    controller().clearTransferQueue();
 
+    server().setReply("MKD", "257 \"folder\" is there.");
     dialogs().expectCheckBoxAlert(kReplace, false); // the folder itself
     dialogs().expectCheckBoxAlert(kSkip, true);     // the first entry, whatever it is
     uploadFolder("docs");
@@ -151,7 +140,7 @@ TEST_F(FolderUpload, InsideAnExistingTreeARememberedAnswerTakesEveryLaterConflic
 
     dialogs().expectCheckBoxAlert(kReplace, true);
     uploadFolder("docs");
-    EXPECT_EQ(dialogs().questions().size(), 5u);
+    EXPECT_EQ(dialogs().questions().size(), 8u);
     EXPECT_EQ(remoteContent("/docs/a.txt"), "new a.txt");
     EXPECT_EQ(remoteContent("/docs/b.txt"), "new b.txt");
     EXPECT_EQ(remoteContent("/docs/sub/c.txt"), "new sub/c.txt");

@@ -2,14 +2,9 @@
 // conflicts they meet.
 #include "connected_shell.hpp"
 
-#include "app/queue/queue_table_model.hpp"
-#include "support/pane_rows.hpp"
-
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QLabel>
-#include <QLineEdit>
 
 namespace perchftp::test {
 namespace {
@@ -18,12 +13,12 @@ using transfer::JobState;
 using transfer::JobType;
 using Transfers = ConnectedShellTest;
 
-TEST_F(Transfers, ASelectedFileGoesUpAndAnotherComesDownEachJobRunningToCompleted)
+TEST_F(Transfers, SelectedFilesGoUpAndComeDownEachJobRunningToItsOwnEnd)
 {
     std::string const up(300000, 'u');
     putLocal("report.pdf", up);
-    selectLocal({"report.pdf"});
-    recordQueueRowStates(0);
+    select(localPane(), {"report.pdf"});
+    recordFirstQueueRowStates();
     controller().centerUploadAction();
 
     EXPECT_EQ(remoteContent("/report.pdf"), up);
@@ -44,78 +39,61 @@ TEST_F(Transfers, ASelectedFileGoesUpAndAnotherComesDownEachJobRunningToComplete
     ASSERT_EQ(remotePane().entries().size(), 1);
     EXPECT_EQ(remotePane().entries().front().name, "report.pdf") << "the remote pane lists the new file";
 
-    std::string const down(200000, 'd');
-    putRemote("/data/archive.tar", down);
+    putRemote("/data/archive.tar", std::string(200000, 'd'));
     remotePane().setPathValue(QStringLiteral("/data"));
-    selectRemote({"archive.tar"});
-    recordQueueRowStates(1);
+    select(remotePane(), {"archive.tar"});
     controller().centerDownloadAction();
-
-    EXPECT_EQ(readFile(local("archive.tar")), down);
-    ASSERT_EQ(jobs().size(), 2u);
+    EXPECT_EQ(readFile(local("archive.tar")), std::string(200000, 'd'));
     EXPECT_EQ(jobs().back().type, JobType::Download);
     EXPECT_EQ(jobs().back().remotePath, "/data/archive.tar");
-    EXPECT_EQ(recordedStates, (QStringList{"Queued", "Running", "Completed"}));
     EXPECT_EQ(popupMessage(), "Transfer completed.");
     EXPECT_EQ(banner(), "✅ Remote listing refreshed.") << "a download lists the remote folder after its own words";
     EXPECT_EQ(selectPaneRowsNamed(localPane(), {"archive.tar"}), 1) << "the local pane is listed again";
     QCoreApplication::sendPostedEvents();
     EXPECT_TRUE(popupMessage().startsWith("Downloading 100% (200000 / 200000 bytes)")) << popupMessage().toStdString();
-}
 
-TEST_F(Transfers, EachSelectedItemRunsToItsEndAndAFailureTellsTheSessionsWords)
-{
+    // Each selected item runs to its end, a failed one too.
     for (std::string const name : {"a", "b", "c"}) {
         putLocal(name + ".txt", name);
     }
-    selectLocal({"a.txt", "b.txt", "c.txt"});
+    select(localPane(), {"a.txt", "b.txt", "c.txt"});
     server().setReply("STOR b.txt", "553 Refused.");
     controller().centerUploadAction();
-
-    ASSERT_EQ(jobs().size(), 3u);
-    EXPECT_EQ(jobs()[0].state, JobState::Completed);
-    EXPECT_EQ(jobs()[1].state, JobState::Failed) << "and the next one still runs";
-    EXPECT_EQ(jobs()[2].state, JobState::Completed);
-    EXPECT_EQ(remoteContent("/a.txt"), "a");
-    EXPECT_FALSE(remoteExists("/b.txt"));
-    EXPECT_EQ(remoteContent("/c.txt"), "c");
-
+    EXPECT_EQ(states(), (std::vector<JobState>{JobState::Completed, JobState::Completed, JobState::Completed,
+                            JobState::Failed, JobState::Completed}));
+    EXPECT_EQ(remoteContent("/data/c.txt"), "c") << "into the remote pane's folder";
+    EXPECT_FALSE(remoteExists("/data/b.txt"));
+    EXPECT_EQ(jobs()[3].error.rfind("ftp upload: ", 0), 0u) << "the session's message: " << jobs()[3].error;
     transfer(JobType::Upload, localText("b.txt"), QStringLiteral("/b.txt"));
-    ASSERT_EQ(jobs().size(), 4u);
-    EXPECT_EQ(jobs().back().state, JobState::Failed);
-    EXPECT_EQ(jobs().back().error.rfind("ftp upload: ", 0), 0u) << "the session's message: " << jobs().back().error;
     EXPECT_EQ(banner(), QStringLiteral("⚠️ Transfer failed: %1").arg(QString::fromStdString(jobs().back().error)));
     EXPECT_EQ(popupMessage(), "Transfer failed.");
 }
 
-TEST_F(Transfers, RefusalsBeforeAnyWorkLeaveTheQueueEmpty)
+TEST_F(Transfers, RefusalsLeaveTheQueueEmptyTargetsFollowThePathsFormAndTheQueueViewMatchesAReload)
 {
+    putLocal("folder/");
+    putRemote("/srv/");
+    QString const bothPaths = QStringLiteral("Both local and remote paths are required");
+    QString const noFolder = QStringLiteral("Select a remote file before downloading.");
     struct Case {
         JobType type;
         QString local;
         QString remote;
         QString banner;
-        QString popup;
-    };
-    putLocal("folder/");
-    putRemote("/srv/");
-    QString const bothPaths = QStringLiteral("Both local and remote paths are required");
-    QString const noFolder = QStringLiteral("Select a remote file before downloading.");
-    Case const cases[] = {
+        QString popup; // "" when the popup says what the banner says
+    } const cases[] = {
         {JobType::Upload, "", "/a", bothPaths + " to create a transfer.", bothPaths + "."},
         {JobType::Download, localText("a"), "", bothPaths + " to create a transfer.", bothPaths + "."},
-        {JobType::Upload, localText("missing.txt"), "/missing.txt", "Upload source file does not exist.",
-         "Upload source file does not exist."},
-        {JobType::Download, localText("folder"), "/srv/", noFolder, noFolder},
-        {JobType::Download, localText("new/"), "/srv/", noFolder, noFolder},
-        {JobType::Download, localText("file.txt"), "/srv/", "Select a remote file to download.",
-         "Select a remote file to download."},
+        {JobType::Upload, localText("missing.txt"), "/missing.txt", "Upload source file does not exist.", ""},
+        {JobType::Download, localText("folder"), "/srv/", noFolder, ""},
+        {JobType::Download, localText("new/"), "/srv/", noFolder, ""},
+        {JobType::Download, localText("file.txt"), "/srv/", "Select a remote file to download.", ""},
     };
     for (Case const& refusal : cases) {
         SCOPED_TRACE(refusal.local.toStdString() + " " + refusal.remote.toStdString());
         transfer(refusal.type, refusal.local, refusal.remote);
         EXPECT_EQ(banner(), "⚠️ " + refusal.banner);
-        EXPECT_EQ(popupMessage(), refusal.popup);
+        EXPECT_EQ(popupMessage(), refusal.popup.isEmpty() ? refusal.banner : refusal.popup);
     }
     controller().centerUploadAction();
     EXPECT_EQ(banner(), "⚠️ Select one or more local files or folders to upload.");
@@ -125,10 +103,7 @@ TEST_F(Transfers, RefusalsBeforeAnyWorkLeaveTheQueueEmpty)
     EXPECT_EQ(banner(), "⚠️ Selected item path is invalid.");
     EXPECT_TRUE(jobs().empty());
     EXPECT_FALSE(std::filesystem::exists(local("new"))) << "nothing is made on the local side";
-}
 
-TEST_F(Transfers, TargetsFollowThePathsFormAndTheQueueViewMatchesAReload)
-{
     putLocal("notes.txt", "N");
     putRemote("/in/");
     transfer(JobType::Upload, localText("notes.txt"), QStringLiteral("/in/"));
@@ -147,20 +122,17 @@ TEST_F(Transfers, TargetsFollowThePathsFormAndTheQueueViewMatchesAReload)
     EXPECT_FALSE(std::filesystem::exists(local("photos/one.jpg")));
 
     // The run ended on an observer's reload; a whole reload shows the same.
-    auto const shownRows = [this] {
-        QStringList rows;
+    auto const shown = [this] {
+        QStringList rows{controller().queueSummary()->text()};
         for (auto const& row : controller().queueTableDataSource()->items()) {
             rows << row.file + "|" + row.status + "|" + row.timestamp + "|" + QString::number(row.progressValue);
         }
         return rows;
     };
-    QStringList const rows = shownRows();
-    QString const summary = controller().queueSummary()->text();
+    QStringList const before = shown();
     controller().reloadQueueSummary();
-    EXPECT_EQ(shownRows(), rows);
-    EXPECT_EQ(controller().queueSummary()->text(), summary);
-    EXPECT_EQ(summary, "Queue: 4 total | Running: 0 | Completed: 3 | Failed: 1");
-
+    EXPECT_EQ(shown(), before);
+    EXPECT_EQ(before.front(), "Queue: 4 total | Running: 0 | Completed: 3 | Failed: 1");
 }
 
 TEST_F(Transfers, ConflictsAskOnceATransferAndAnUnreadableParentIsNoConflict)
@@ -180,7 +152,6 @@ TEST_F(Transfers, ConflictsAskOnceATransferAndAnUnreadableParentIsNoConflict)
     EXPECT_EQ(question.text, "File \"a.txt\" already exists at the destination.");
     EXPECT_EQ(question.options, (QStringList{"Replace", "Skip", "Cancel", "Remember this decision for next conflict"}));
     EXPECT_EQ(remoteContent("/a.txt"), "old");
-    EXPECT_EQ(jobs().back().error, "");
     EXPECT_EQ(banner(), "✅ Upload canceled.");
     EXPECT_EQ(popupMessage(), "Upload canceled.");
     EXPECT_FALSE(controller().rememberTransferConflictDecision()) << "a Cancel is never remembered";
@@ -201,12 +172,11 @@ TEST_F(Transfers, ConflictsAskOnceATransferAndAnUnreadableParentIsNoConflict)
     putLocal("into/");
     transfer(JobType::Download, localText("into"), QStringLiteral("/r/data.csv"));
     EXPECT_EQ(readFile(local("into/data.csv")), "remote");
-    EXPECT_EQ(dialogs().questions().size(), 4u);
     writeFile(local("into/data.csv"), "local");
     dialogs().expectCheckBoxAlert(kSkip, false);
     transfer(JobType::Download, localText("into/"), QStringLiteral("/r/data.csv"));
+    EXPECT_EQ(dialogs().questions().size(), 5u);
     EXPECT_EQ(dialogs().questions().back().text, "File \"data.csv\" already exists at the destination.");
-    EXPECT_EQ(jobs().back().type, JobType::Download);
     EXPECT_EQ(jobs().back().state, JobState::Skipped);
     EXPECT_EQ(popupMessage(), "Download skipped.");
     EXPECT_EQ(readFile(local("into/data.csv")), "local");
