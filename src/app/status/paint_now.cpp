@@ -45,7 +45,8 @@ void paintWindowAreaNow(QWidget* window, QRect const& area)
     }
     QBackingStore* store = window->backingStore();
     QRegion const region = QRegion(area).intersected(window->rect());
-    if (!store || region.isEmpty()) {
+    // Before the window's first expose the store has no buffer yet; the expose paints it anyway.
+    if (!store || store->size().isEmpty() || region.isEmpty()) {
         return;
     }
     store->beginPaint(region);
