@@ -12,8 +12,7 @@ using perchftp::fuzz::require;
 namespace {
 
 // One line per step: "op|id|name|protocol|host|port|user|group|secret". Op "a" adds, "u" updates
-// the id, "r" removes it, "c" clones it with the name as label; a run of "l" lines is loaded as
-// one snapshot, each with its own id.
+// the id, "r" removes it; a run of "l" lines is loaded as one snapshot, each with its own id.
 SiteProfile profileOf(std::string_view line)
 {
     std::string fields[9];
@@ -63,9 +62,6 @@ void apply(char op, SiteProfile const& profile, SiteManager& sites)
     switch (op) {
     case 'a':
         requireFreshIdOrNothing(sites.addSite(profile), before, sites);
-        break;
-    case 'c':
-        requireFreshIdOrNothing(sites.cloneSite(id, profile.name), before, sites);
         break;
     case 'u':
         if (!sites.updateSite(id, profile)) {

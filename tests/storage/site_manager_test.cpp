@@ -73,7 +73,7 @@ TEST(SiteManagerAdd, NeverHandsOutAnIdBelowOneOrOneThatIsHeld)
     EXPECT_EQ(loadedWithIds({kTopId - 1}).addSite(makeProfile(0, "new.example")), kTopId);
 }
 
-TEST(SiteManagerAdd, NeedsANameASupportedProtocolAndAHostButNoUserOrSecret)
+TEST(SiteManagerAdd, NeedsANameASupportedProtocolAndAHostAndRefusesTheSameConnectionTwice)
 {
     for (auto const& [protocol, accepted] : std::vector<std::pair<char const*, bool>>{
              {"", false}, {"http", false}, {"ftpes", false}, {"ftp", true}, {"FTPS", true}, {" Sftp ", true}}) {
@@ -86,13 +86,9 @@ TEST(SiteManagerAdd, NeedsANameASupportedProtocolAndAHostButNoUserOrSecret)
     auto noUserNoSecret = makeProfile(0, "h3", "");
     noUserNoSecret.secretRef = "";
     EXPECT_EQ(manager.addSite(noUserNoSecret), 1);
-}
 
-TEST(SiteManagerDuplicates, TheSameHostUserAndProtocolAreOneConnectionWhateverTheName)
-{
-    SiteManager manager;
-    ASSERT_EQ(manager.addSite(makeProfile(0, "files.example.com", "ana")), 1);
-    EXPECT_EQ(manager.cloneSite(1, "copy"), 0) << "a copy is the same connection";
+    // The same host, user and protocol are one connection, whatever the name.
+    ASSERT_EQ(manager.addSite(makeProfile(0, "files.example.com", "ana")), 2);
     // Each accepted row has the name of the first ("Site 0"): names never make a duplicate.
     for (auto const& [host, user, protocol, duplicate] : std::vector<std::tuple<char const*, char const*, char const*, bool>>{
              {"  FILES.example.com ", "ana", "sftp", true}, {"files.example.com", " ana ", "SFTP", true},
@@ -119,34 +115,16 @@ TEST(SiteManagerUpdate, ReplacesEverythingButTheIdAndExcludesOnlyTheSiteItselfFr
     EXPECT_FALSE(manager.updateSite(12345, makeProfile(0, "e.example")));
 }
 
-// What the store and the older-format reader apply on load: repairs, but no trimming and no refusal.
-TEST(SiteProfileRepair, FillsEmptyOrOutOfRangeSettingsAndProfileFieldsAndKeepsTheRest)
+// On load the store and the older-format reader repair ports; the rest of the repairs show in
+// their own tests.
+TEST(SiteProfileRepair, KeepsAPortInRangeAndGivesAnyOtherThe21)
 {
-    AppSettings settings;
-    settings.defaultProtocol = "";
-    settings.operationTimeoutMs = 0;
-    settings.logLevel = -1;
-    settings.uiLayoutJson = "";
-    settings.concurrentTransfers = -7;
-    settings.retryLimit = 0;
-    auto const snapshot = applyDefaults(settings);
-    EXPECT_EQ(snapshot.version, 3);
-    // Log level 0, not the default 2; the counts are left as they are.
-    EXPECT_EQ(test::describe(snapshot.settings), "1|-7|0|1|sftp|30000|0|{}");
-
-    auto profile = makeProfile(0, " h ");
-    profile.group = "   ";
-    profile.transferMode = static_cast<TransferMode>(3);
-    profile.connectTimeoutMs = 0;
-    profile.transferTimeoutMs = -3;
-    for (auto const& [port, kept] :
-         std::vector<std::pair<int, int>>{{0, 21}, {1, 1}, {65535, 65535}, {65536, 21}}) {
+    auto profile = makeProfile(0, "h");
+    for (auto const& [port, kept] : std::vector<std::pair<int, int>>{{0, 21}, {1, 1}, {65535, 65535}, {65536, 21}}) {
         profile.port = port;
         normalizeSiteProfile(profile);
         EXPECT_EQ(profile.port, kept) << port;
     }
-    EXPECT_EQ(test::describe(profile),
-              "0|Site 0|sftp| h |21|ana|pw-0|/home/ana|/srv/www|1|   |000|0|10000|60000|1");
 }
 
 TEST(SiteManagerSnapshot, LoadingKeepsOrderAndOddIdsDropsInvalidOnesAndLetsTheFirstDuplicateWin)

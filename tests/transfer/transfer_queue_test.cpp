@@ -18,9 +18,9 @@ namespace {
 
 using Ids = std::vector<std::uint64_t>;
 
-std::uint64_t add(TransferQueue& queue, int priority = 1, int maxRetries = 3)
+std::uint64_t add(TransferQueue& queue)
 {
-    return queue.enqueue(JobType::Upload, "ftp", "/home/ana/report.pdf", "/srv/report.pdf", priority, maxRetries);
+    return queue.enqueue(JobType::Upload, "ftp", "/home/ana/report.pdf", "/srv/report.pdf", 1, 3);
 }
 
 // Jobs stand in the order of their ids, and the tests here look one up only before any clear().
@@ -104,7 +104,7 @@ TEST(TransferQueueTransitions, EveryCellMovesOrRefusesAsTheTableSaysAndOnlyAMove
     }
 }
 
-TEST(TransferQueueJobs, EnqueueCopiesTheArgumentsAndARefusalOrAClearUsesUpNoId)
+TEST(TransferQueueJobs, EnqueueCopiesTheArgumentsObserversHearOfEveryJobAndARefusalOrAClearUsesUpNoId)
 {
     TransferQueue queue;
     auto const id = queue.enqueue(JobType::Download, "sftp", "/tmp/a.txt", "/data/a.txt", -5, 7);
@@ -117,16 +117,22 @@ TEST(TransferQueueJobs, EnqueueCopiesTheArgumentsAndARefusalOrAClearUsesUpNoId)
     for (auto const& [protocol, local, remote] : {std::tuple{"ftp", "", "/r"}, {"ftp", "/l", ""}, {"", "/l", "/r"}}) {
         EXPECT_EQ(queue.enqueue(JobType::Upload, protocol, local, remote, 0, 3), 0U);
     }
-    EXPECT_EQ(job(queue, add(queue, 1, -5)).maxRetries, 1) << "at least one try";
+
+    Ids seen;
+    ASSERT_TRUE(queue.observe(id, [&seen](TransferQueueItem const& changed) { seen.push_back(changed.id); }));
+    EXPECT_EQ(job(queue, id), item) << "observing restamps nothing";
+    EXPECT_FALSE(queue.observe(id, TransferQueue::Observer{}));
+    auto const other = add(queue); // an empty observer kept would throw here
+    EXPECT_EQ(seen, (Ids{id, other})) << "told at once, then of a change of any job";
     queue.clear();
     EXPECT_TRUE(queue.snapshot().empty());
     EXPECT_EQ(add(queue), 3U);
 }
 
-TEST(TransferQueueJobs, ProgressIsClampedAndCompleteAndRetryFillOrKeepTheFigures)
+TEST(TransferQueueJobs, ProgressIsClampedAndCompleteFillsOrKeepsTheFigures)
 {
     TransferQueue queue;
-    auto const id = add(queue, 1, 1);
+    auto const id = add(queue);
     ASSERT_TRUE(queue.simulateProgress(id, 500, 100));
     EXPECT_EQ(figures(queue, id), "100/100 100% ");
     ASSERT_TRUE(queue.simulateProgress(id, 1, 3));
@@ -139,52 +145,11 @@ TEST(TransferQueueJobs, ProgressIsClampedAndCompleteAndRetryFillOrKeepTheFigures
     ASSERT_TRUE(queue.simulateProgress(id, 40, 80));
     ASSERT_TRUE(queue.complete(id, false, ""));
     EXPECT_EQ(figures(queue, id), "40/80 50% transfer failed");
-    ASSERT_TRUE(queue.retry(id) && queue.complete(id, false, "timeout"));
-    auto const exhausted = job(queue, id);
-    EXPECT_FALSE(queue.retry(id));
-    EXPECT_EQ(job(queue, id), exhausted);
     ASSERT_TRUE(queue.complete(id, true, "anything"));
     EXPECT_EQ(figures(queue, id), "80/80 100% ");
     auto const untouched = add(queue);
     ASSERT_TRUE(queue.complete(untouched, true, ""));
     EXPECT_EQ(figures(queue, untouched), "0/0 100% ");
-}
-
-TEST(TransferQueueObservers, AreToldEveryChangeEvenWhenOneEnqueuesObservesOrClearsDuringTheWalk)
-{
-    TransferQueue queue;
-    auto const id = add(queue);
-    auto const stamp = job(queue, id).timestamp;
-    Ids first;
-    Ids unknown;
-    ASSERT_TRUE(queue.observe(id, [&first](TransferQueueItem const& item) { first.push_back(item.id); }));
-    EXPECT_FALSE(queue.observe(42, [&unknown](TransferQueueItem const& item) { unknown.push_back(item.id); }));
-    EXPECT_TRUE(first == Ids{id} && unknown.empty()) << "only the new observer, at once, for a known id";
-    EXPECT_EQ(job(queue, id).timestamp, stamp);
-    EXPECT_FALSE(queue.observe(id, TransferQueue::Observer{}));
-    bool busy = false;
-    queue.observe(0, [&](TransferQueueItem const&) {
-        if (!busy) {
-            busy = true;
-            for (int i = 0; i < 100; ++i) {
-                add(queue); // may move records around in a growing sequence
-            }
-            queue.observe(0, [](TransferQueueItem const&) {});
-        }
-    });
-    Ids later;
-    queue.observe(0, [&later](TransferQueueItem const& item) { later.push_back(item.id); });
-    auto const other = add(queue); // an empty observer kept would throw here
-    EXPECT_EQ(first.at(1), other);
-    EXPECT_EQ(unknown.at(0), other);
-    EXPECT_EQ(later.back(), other) << "the walk goes on soundly after the records moved";
-
-    TransferQueue clearing;
-    int laterCalls = 0;
-    clearing.observe(0, [&clearing](TransferQueueItem const&) { clearing.clear(); });
-    clearing.observe(0, [&laterCalls](TransferQueueItem const&) { ++laterCalls; });
-    EXPECT_EQ(add(clearing), 1U);
-    EXPECT_EQ(laterCalls, 0); // the record is gone, so nobody after the clearing observer sees it
 }
 
 } // namespace
