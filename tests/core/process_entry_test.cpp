@@ -19,7 +19,8 @@ TEST(Bootstrap, LogsItsThreeLinesInOrderAndOpensTheVault)
         perchftp::core::bootstrap();
         std::string lines;
         for (auto const& event : perchftp::logging::Logger::global().history()) {
-            lines += (event.level == perchftp::logging::EventLevel::Info ? "" : "(not info) ") + event.message + "\n";
+            bool const info = event.level == perchftp::logging::EventLevel::Info;
+            lines += (info ? "" : "(not info) ") + event.message + "\n";
         }
         CHILD_CHECK(lines == "PerchFtp bootstrap initialized\nVault initialized for credential cache\n0.1.0\n");
         CHILD_CHECK(!perchftp::security::isLocked()); // the empty key opens the vault at once

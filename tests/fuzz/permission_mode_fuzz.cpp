@@ -5,22 +5,15 @@ using perchftp::app::detail::parsePermissionMode;
 using perchftp::app::detail::permissionDisplayFromModeString;
 using perchftp::fuzz::require;
 
-namespace {
-
-QString withoutAsciiBlanks(QString text)
-{
-    return text.removeIf([](QChar c) { return c.unicode() == ' ' || (c.unicode() >= '\t' && c.unicode() <= '\r'); });
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     QString const text = QString::fromUtf8(reinterpret_cast<char const*>(data), static_cast<qsizetype>(size));
     int const mode = parsePermissionMode(text);
     require(mode >= -1 && mode <= 07777);
     // Blanks anywhere never change the reading.
-    require(parsePermissionMode(withoutAsciiBlanks(text)) == mode);
+    QString blankless = text;
+    blankless.removeIf([](QChar c) { return c == u' ' || (c.unicode() >= '\t' && c.unicode() <= '\r'); });
+    require(parsePermissionMode(blankless) == mode);
 
     QString const display = permissionDisplayFromModeString(text);
     if (mode < 0) {

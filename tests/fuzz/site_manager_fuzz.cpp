@@ -43,37 +43,21 @@ bool taken(std::vector<SiteProfile> const& sites, std::int32_t id)
     return std::any_of(sites.begin(), sites.end(), [id](SiteProfile const& site) { return site.id == id; });
 }
 
-// A new id is positive and held by no entry before; a refusal changes nothing.
-void requireFreshIdOrNothing(std::int32_t id, std::vector<SiteProfile> const& before, SiteManager const& sites)
-{
-    auto const after = sites.listSites();
-    if (id == 0) {
-        require(after == before);
-        return;
-    }
-    require(id > 0 && !taken(before, id));
-    require(after.size() == before.size() + 1 && after.back().id == id);
-}
-
+// A new id is positive and held by no entry before; a refused change changes nothing.
 void apply(char op, SiteProfile const& profile, SiteManager& sites)
 {
     auto const before = sites.listSites();
     auto const id = profile.id;
-    switch (op) {
-    case 'a':
-        requireFreshIdOrNothing(sites.addSite(profile), before, sites);
-        break;
-    case 'u':
-        if (!sites.updateSite(id, profile)) {
-            require(sites.listSites() == before);
-        }
-        break;
-    case 'r':
-        require(sites.removeSite(id) == taken(before, id));
-        require(!taken(sites.listSites(), id));
-        break;
-    default:
-        break;
+    if (op == 'a') {
+        auto const added = sites.addSite(profile);
+        auto const after = sites.listSites();
+        require(added == 0 ? after == before
+                           : added > 0 && !taken(before, added) && after.size() == before.size() + 1
+                                 && after.back().id == added);
+    } else if (op == 'u' && !sites.updateSite(id, profile)) {
+        require(sites.listSites() == before);
+    } else if (op == 'r') {
+        require(sites.removeSite(id) == taken(before, id) && !taken(sites.listSites(), id));
     }
 }
 

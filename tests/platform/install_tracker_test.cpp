@@ -165,8 +165,6 @@ TEST_F(InstallTrackerTest, AnEmptyEndpointOrAnUnsaveableStateSendsNothingAndTheS
     EXPECT_TRUE(tracker.shouldSendHeartbeat(1000 + 259200));
     EXPECT_FALSE(tracker.shouldSendHeartbeat(500)); // a clock set back only delays it
 
-    load("install_id=a\nlast_heartbeat_at=1000\nregistered=TRUE\n");
-    EXPECT_TRUE(tracker.shouldSendHeartbeat(1000)) << "not registered";
     load("install_id=\nfirst_seen_at=77\n");
     ASSERT_TRUE(tracker.ensureInstallId());
     EXPECT_EQ(stateValue(nested.statePath, "first_seen_at"), "77"); // kept, not replaced by now

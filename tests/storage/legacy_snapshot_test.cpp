@@ -13,48 +13,33 @@ using test::describe;
 // A full header: every setting differs from its default, and the dark-theme line carries the
 // default protocol behind its integer.
 constexpr char const* kHeader = "3 2\n0\n4\n6\n0 ftp\n45000\n1\n  {\"split\":0.4}\n";
-constexpr char const* kOfficeRecord = "7 this rest is ignored\n  Office  \nSFTP\nFiles.Example.com\n2222\nana\n"
+constexpr char const* kOfficeRecord = "7 this rest is ignored\n  Office  \nSFTP\nFiles.Example.com\n65535\nana\n"
                                       "s3cret with spaces\n/home/ana\n/srv/www\n2\nClients\n1\n1\n0\nascii\n5000\n7000\n0\n";
 // Unparsable lines take their defaults, then normalisation repairs the rest.
-constexpr char const* kHomeRecord = "3\nHome\nftp\nnas.local\n70000\n\n\n\n\n1\n\n-2147483648\n2\n-1\nAscii\n2147483648\n"
-                                    " \t+2147483647s\nxyz\n";
+constexpr char const* kHomeRecord = "3\nHome\nftp\nnas.local\n65536\n\n\n\n\n1\n\n2147483648\n2\n-2147483648\n"
+                                    "Ascii\nabc\n \t+2147483647s\nxyz\n";
 
-class LegacySnapshotTest : public testing::Test {
-protected:
-    std::optional<Snapshot> loadText(std::string const& text)
-    {
+TEST(LegacySnapshot, ReadsEveryFieldAndHeaderShapeRefusesTextWithoutTwoIntegersAndStopsAtTheCount)
+{
+    test::TempDir dir;
+    auto const path = dir.file("perchftp-sites.db");
+    auto const loadText = [&path](std::string const& text) {
         test::writeFile(path, text);
         return loadLegacySnapshotFromPath(path);
-    }
-
-    test::TempDir dir;
-    std::string path = dir.file("perchftp-sites.db");
-};
-
-TEST_F(LegacySnapshotTest, ReadsTheHeaderAndEveryFieldOfEachRecordAsItStands)
-{
+    };
     auto const snapshot = loadText(std::string(kHeader) + kOfficeRecord + kHomeRecord);
     ASSERT_TRUE(snapshot.has_value());
-    EXPECT_EQ(snapshot->version, 3);
     // The protocol is the rest of the dark-theme line, leading blank included.
     EXPECT_EQ(describe(snapshot->settings), "0|4|6|0| ftp|45000|1|{\"split\":0.4}");
     ASSERT_EQ(snapshot->profiles.size(), 2U);
-    EXPECT_EQ(describe(snapshot->profiles[0]),
-              "7|  Office  |SFTP|Files.Example.com|2222|ana|s3cret with spaces|/home/ana|/srv/www|2|Clients|110|1|5000|7000|0");
-    // 70000 is read, then repaired; the smallest int, 2 and -1 are not 0; "Ascii" is not the word;
-    // one past the largest int falls back, while blanks, a sign and letters around the largest do no
-    // harm; "xyz" is no number.
+    EXPECT_EQ(describe(snapshot->profiles[0]), "7|  Office  |SFTP|Files.Example.com|65535|ana|s3cret with spaces|"
+                                               "/home/ana|/srv/www|2|Clients|110|1|5000|7000|0");
+    // 65536 is read, then repaired; one past the largest int falls back, the smallest is read; 2 is
+    // not 0; "Ascii" is not the word; "abc" and "xyz" are no numbers; blanks, a sign and letters
+    // around the largest int do no harm.
     EXPECT_EQ(describe(snapshot->profiles[1]),
-              "3|Home|ftp|nas.local|21|||||1|General|111|0|10000|2147483647|1");
-}
+              "3|Home|ftp|nas.local|21|||||1|General|011|0|10000|2147483647|1");
 
-std::string withCount(char const* count)
-{
-    return std::string(kHeader).replace(2, 1, count);
-}
-
-TEST_F(LegacySnapshotTest, ReadsHeadersOfEveryShapeRefusesTextWithoutTwoIntegersAndStopsAtTheCount)
-{
     EXPECT_EQ(loadText("3 0"), Snapshot{});
     // An integer that ends its line leaves the protocol empty (repaired to the default) and shifts
     // the next line to the layout, past the two integers that cannot parse it.
@@ -66,8 +51,9 @@ TEST_F(LegacySnapshotTest, ReadsHeadersOfEveryShapeRefusesTextWithoutTwoIntegers
     EXPECT_FALSE(loadLegacySnapshotFromPath(dir.file("missing")).has_value());
 
     // The count and the first broken record end the reading; the records before it stand.
+    auto const withCount = [](char const* count) { return std::string(kHeader).replace(2, 1, count); };
     std::string cutAfterStatus = kHomeRecord;
-    cutAfterStatus.resize(cutAfterStatus.find("1\n\n-") + 2);
+    cutAfterStatus.resize(cutAfterStatus.find("1\n\n2147483648") + 2);
     auto const cut = loadText(std::string(kHeader) + kOfficeRecord + cutAfterStatus);
     ASSERT_EQ(cut.value().profiles.size(), 1U);
     EXPECT_EQ(cut->profiles[0].id, 7);

@@ -32,7 +32,7 @@ SiteManager loadedWithIds(Ids const& ids)
     return SiteManager(snapshot);
 }
 
-TEST(SiteManagerAdd, GivesNewIdsFromOneAndStoresTheProfileTrimmedAndRepaired)
+TEST(SiteManagerAdd, GivesNewIdsFromOneAndStoresTheProfileTrimmedAndRepairedWithAPortIn1To65535)
 {
     SiteManager manager;
     EXPECT_EQ(manager.addSite(makeProfile(77, "a.example")), 1);
@@ -54,6 +54,11 @@ TEST(SiteManagerAdd, GivesNewIdsFromOneAndStoresTheProfileTrimmedAndRepaired)
     ASSERT_EQ(manager.addSite(profile), 4);
     EXPECT_EQ(test::describe(*manager.findSite(4)),
               "4|My server|sftp|Files.Example.COM|21|Ana|  secret  | /l |/srv/www|7|General|000|0|10000|60000|1");
+    for (auto const& [port, kept] : std::vector<std::pair<int, int>>{{1, 1}, {65535, 65535}, {65536, 21}}) {
+        profile.port = port;
+        ASSERT_TRUE(manager.updateSite(4, profile));
+        EXPECT_EQ(manager.findSite(4)->port, kept) << port;
+    }
 }
 
 TEST(SiteManagerAdd, NeverHandsOutAnIdBelowOneOrOneThatIsHeld)
@@ -113,18 +118,6 @@ TEST(SiteManagerUpdate, ReplacesEverythingButTheIdAndExcludesOnlyTheSiteItselfFr
               "1|Renamed|sftp|c.example|22|ana|pw-99|/home/ana|/srv/www|1|General|100|2|10000|60000|1");
     EXPECT_FALSE(manager.updateSite(id, makeProfile(0, "B.EXAMPLE")));
     EXPECT_FALSE(manager.updateSite(12345, makeProfile(0, "e.example")));
-}
-
-// On load the store and the older-format reader repair ports; the rest of the repairs show in
-// their own tests.
-TEST(SiteProfileRepair, KeepsAPortInRangeAndGivesAnyOtherThe21)
-{
-    auto profile = makeProfile(0, "h");
-    for (auto const& [port, kept] : std::vector<std::pair<int, int>>{{0, 21}, {1, 1}, {65535, 65535}, {65536, 21}}) {
-        profile.port = port;
-        normalizeSiteProfile(profile);
-        EXPECT_EQ(profile.port, kept) << port;
-    }
 }
 
 TEST(SiteManagerSnapshot, LoadingKeepsOrderAndOddIdsDropsInvalidOnesAndLetsTheFirstDuplicateWin)

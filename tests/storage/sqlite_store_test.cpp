@@ -66,7 +66,8 @@ TEST_F(SqliteStoreTest, LoadCreatesMissingTablesReadsBadValuesAsDefaultsAndKeeps
     ASSERT_TRUE(RawDatabase(databasePath()).exec("PRAGMA user_version = 7"));
     EXPECT_EQ(store()->load(), Snapshot{});
     EXPECT_EQ(RawDatabase(databasePath()).text("SELECT count(*) FROM sqlite_master"), "2");
-    ASSERT_TRUE(RawDatabase(databasePath()).exec("INSERT INTO app_settings VALUES (1, 1, 1, -7, 0, 1, '', 0, -1, '')"));
+    ASSERT_TRUE(
+        RawDatabase(databasePath()).exec("INSERT INTO app_settings VALUES (1, 1, 1, -7, 0, 1, '', 0, -1, '')"));
     // Log level 0, not the default 2; the counts are left as they are.
     EXPECT_EQ(test::describe(store()->load()->settings), "1|-7|0|1|sftp|30000|0|{}");
 
@@ -78,7 +79,7 @@ TEST_F(SqliteStoreTest, LoadCreatesMissingTablesReadsBadValuesAsDefaultsAndKeeps
                              "user, secret_ref, local_root, remote_root, status, profile_group, favorite, "
                              "quick_connect, auto_connect, transfer_mode, connect_timeout_ms, "
                              "transfer_timeout_ms, use_encryption)"));
-        ASSERT_TRUE(raw.exec("INSERT INTO site_profiles VALUES (1, 'a', 'ftp', 'h', 21, NULL, NULL, NULL, NULL, "
+        ASSERT_TRUE(raw.exec("INSERT INTO site_profiles VALUES (1, 'a', 'ftp', 'h', 0, NULL, NULL, NULL, NULL, "
                              "1, NULL, 5, 0, 0, 'Ascii', 0, 0, 0), (2, 'b', 'ftp', 'h2', 21, 'u', 's', 'l', 'r', "
                              "1, 'G', 0, 0, 0, 'eager', 10, 20, 1)"));
     }
@@ -108,7 +109,7 @@ TEST_F(SqliteStoreTest, LoadCreatesMissingTablesReadsBadValuesAsDefaultsAndKeeps
     EXPECT_EQ(partial->profiles[1].host, "two");
 }
 
-TEST_F(SqliteStoreTest, ADatabaseOrPathItCannotUseLoadsNothingAndIsNotOverwritten)
+TEST_F(SqliteStoreTest, ADatabaseOrPathItCannotUseIsLeftAsItIsWhileAnyOtherFileGivesWayToASave)
 {
     {
         RawDatabase raw(databasePath());
@@ -131,6 +132,18 @@ TEST_F(SqliteStoreTest, ADatabaseOrPathItCannotUseLoadsNothingAndIsNotOverwritte
     EXPECT_FALSE(blocked->save(Snapshot{}));
     EXPECT_FALSE(blocked->load().has_value());
     EXPECT_EQ(test::readFile(dir.path() / "blocker"), "not a folder");
+
+    // Any other file at the path gives way to a save, even one that then fails.
+    test::writeFile(databasePath(), std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16));
+    EXPECT_FALSE(store()->load().has_value());
+    ASSERT_TRUE(store()->save(withProfiles({makeProfile(3, "fresh.example")})));
+    EXPECT_EQ(store()->load()->profiles.at(0).host, "fresh.example");
+
+    fs::remove(databasePath());
+    test::writeFile(databasePath(), kLegacyText);
+    EXPECT_EQ(store()->load()->profiles.at(0).secretRef, "hunter2");
+    EXPECT_FALSE(store()->save(withProfiles({makeProfile(4, "x"), makeProfile(4, "y")}))) << "one id twice";
+    EXPECT_EQ(store()->load(), Snapshot{}) << "the legacy content is gone";
 }
 
 TEST_F(SqliteStoreTest, ALockedDatabaseStillLoadsItsCommittedContentAndRefusesASaveAtOnce)
@@ -148,20 +161,6 @@ TEST_F(SqliteStoreTest, ALockedDatabaseStillLoadsItsCommittedContentAndRefusesAS
     EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::milliseconds(500));
     ASSERT_TRUE(writer.exec("ROLLBACK"));
     EXPECT_EQ(store()->load()->profiles.size(), 1U);
-}
-
-TEST_F(SqliteStoreTest, AnyOtherFileAtThePathIsDeletedBySaveEvenWhenTheSaveThenFails)
-{
-    test::writeFile(databasePath(), std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16));
-    EXPECT_FALSE(store()->load().has_value());
-    ASSERT_TRUE(store()->save(withProfiles({makeProfile(3, "fresh.example")})));
-    EXPECT_EQ(store()->load()->profiles.at(0).host, "fresh.example");
-
-    fs::remove(databasePath());
-    test::writeFile(databasePath(), kLegacyText);
-    EXPECT_EQ(store()->load()->profiles.at(0).secretRef, "hunter2");
-    EXPECT_FALSE(store()->save(withProfiles({makeProfile(4, "x"), makeProfile(4, "y")}))) << "one id twice";
-    EXPECT_EQ(store()->load(), Snapshot{}) << "the legacy content is gone";
 }
 
 TEST_F(SqliteStoreTest, NewFoldersAreOwnerOnlyAndTheDatabaseAndItsCompanionsPrivateWhateverTheUmask)
