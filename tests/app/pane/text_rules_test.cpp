@@ -9,6 +9,8 @@
 #include "app/transfers/transfer_paths.hpp"
 #include "pane_test_support.hpp"
 
+#include <QDir>
+
 #include <gtest/gtest.h>
 
 #include <string>
