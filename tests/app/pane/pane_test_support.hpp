@@ -9,14 +9,11 @@
 #include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDir>
-#include <QFile>
 #include <QItemSelectionModel>
 #include <QMenu>
 #include <QRegularExpression>
 #include <QPoint>
 #include <QStringList>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -108,29 +105,6 @@ private:
         }
         calls.append(isDirectory ? call + QStringLiteral(" (dir)") : call);
     }
-};
-
-// A real folder tree in a temporary place.
-class FolderTree {
-public:
-    QString path(QString const& relative = {}) const
-    {
-        return relative.isEmpty() ? m_root.path() : m_root.path() + u'/' + relative;
-    }
-    // Makes a file, or a folder where the path ends in "/"; gives its path without that "/".
-    QString make(QString const& relative) const
-    {
-        if (relative.endsWith(u'/')) {
-            EXPECT_TRUE(QDir().mkpath(path(relative)));
-            return path(relative.chopped(1));
-        }
-        QFile file(path(relative));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << relative.toStdString();
-        return path(relative);
-    }
-
-private:
-    QTemporaryDir m_root;
 };
 
 // A double click as a desktop delivers it to a widget: press, release, press, double click, release.

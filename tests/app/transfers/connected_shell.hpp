@@ -97,21 +97,6 @@ protected:
 
     std::vector<transfer::TransferQueueItem> jobs() { return controller().transferQueue().queue().snapshot(); }
 
-    // From now on, the states that the queue table shows for its first row, each change once.
-    void recordFirstQueueRowStates()
-    {
-        app::PerchQueueTableDataSource* table = controller().queueTableDataSource();
-        auto const record = [this, table] {
-            auto const& rows = table->items();
-            if (!rows.empty() && (recordedStates.isEmpty() || recordedStates.back() != rows[0].status)) {
-                recordedStates.append(rows[0].status);
-            }
-        };
-        QObject::connect(table, &QAbstractItemModel::modelReset, table, record);
-        QObject::connect(table, &QAbstractItemModel::dataChanged, table, record);
-    }
-    QStringList recordedStates;
-
 private:
     static void put(std::filesystem::path const& path, std::string const& bytes)
     {
