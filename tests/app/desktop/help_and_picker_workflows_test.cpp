@@ -107,31 +107,17 @@ TEST(FolderChooserVerdict, FollowsTheLadderInItsOrderAndKeepsOnlyMeaningfulError
     EXPECT_EQ(opened.errorText, QString());
 }
 
-TEST(FolderChooserProcess, ZenityComesFirstKdialogServesWithoutItAndTheStartFolderTravelsIntact)
+// Zenity's arguments, and a start folder that travels intact, are pinned by the folder picker.
+TEST(FolderChooserProcess, KdialogServesWithoutZenityAndOutputThatIsNotUtf8IsTakenAsEmpty)
 {
-    using app::FolderChooser;
     FakeFolderChooser chooser;
-    auto run = FolderChooser::run(QStringLiteral("/"), QStringLiteral("p"));
-    EXPECT_FALSE(run.started);
-    EXPECT_FALSE(run.launchError.isEmpty());
-
     chooser.install("kdialog");
-    chooser.answer({}, {}, 1);
-    run = FolderChooser::run(QStringLiteral("/srv/it's"), QStringLiteral("Pick"));
+    chooser.answer(QByteArray("/bad\xff\xfe"), {}, 1);
+    auto const run = app::FolderChooser::run(QStringLiteral("/srv/it's"), QStringLiteral("Pick"));
     ASSERT_TRUE(run.started);
     EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.standardOutput, QString());
     EXPECT_EQ(chooser.arguments(), (QStringList{"--title", "Pick", "--getexistingdirectory", "/srv/it's"}));
-
-    chooser.install("zenity");
-    QString const start = QStringLiteral(R"(/tmp/a "quoted" \back\slash's $HOME `x`)");
-    chooser.answer("/picked/folder\n");
-    run = FolderChooser::run(start, QStringLiteral("Select a local folder"));
-    EXPECT_EQ(run.standardOutput, QStringLiteral("/picked/folder\n"));
-    EXPECT_EQ(chooser.arguments(),
-        (QStringList{"--file-selection", "--directory", "--title", "Select a local folder", "--filename", start + "/"}));
-    chooser.answer(QByteArray("/bad\xff\xfe"));
-    EXPECT_EQ(FolderChooser::run(start, QStringLiteral("p")).standardOutput, QString())
-        << "output that is not UTF-8 is taken as empty";
 }
 
 // The started shell with the desktop's folder chooser replaced, and a folder for the places a
@@ -235,13 +221,16 @@ TEST_F(HelpWorkflows, TheAboutPanelShowsTheBuildsVersionFallsBackWhenItIsEmptyAn
 
 TEST_F(FolderPicker, AChosenFolderOpensAndIsRememberedAndThePaneFallsBackToTheDialogAfterACancel)
 {
+    chooser.install("kdialog");
     chooser.install("zenity");
-    QString const odd = place(R"(say "hi" \ back\slash)");
+    QString const odd = place(R"(say "hi" \ back\slash's $HOME `x`)");
     controller().localPane()->loadLocalDirectory(odd);
     QString const music = place("Music");
     chooser.answer((music + "/\n").toUtf8(), "(zenity:1): Gtk-WARNING **: 10:00:00.000: theme noise");
     controller().openLocalFolder();
-    EXPECT_EQ(chooser.arguments().value(5), odd + "/") << "the pane's folder is where the chooser starts";
+    EXPECT_EQ(chooser.arguments(), (QStringList{"--file-selection", "--directory", "--title", "Select a local folder",
+                                       "--filename", odd + "/"}))
+        << "zenity comes first, and starts in the pane's folder";
     EXPECT_EQ(controller().localPane()->pathValue(), music);
     EXPECT_EQ(bannerText(), QStringLiteral("✅ Opened local folder: ") + music);
     EXPECT_EQ(QSettings(QStringLiteral("PerchFtp"), QStringLiteral("PerchFtp")).value("PerchFtpLastLocalPanePath").toString(),
