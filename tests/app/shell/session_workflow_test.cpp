@@ -339,7 +339,7 @@ protected:
         writeSites(baseDatabase(), profiles);
         startWatchedShell();
     }
-    std::vector<storage::SiteProfile> stored() { return readSites(baseDatabase()).value_or(std::vector<storage::SiteProfile>{}); }
+    std::vector<storage::SiteProfile> stored() { return readSites(baseDatabase()); }
     // The connections' names in order, the one used last marked with a "*".
     static Names names(std::vector<storage::SiteProfile> const& profiles)
     {
