@@ -1,6 +1,5 @@
 // The real Qt dialogs behind the shell's questions: what each answers when a user presses its
 // buttons or declines it with Escape or the window's close button, and words shown as typed.
-#include "app/dialogs/saved_connection_picker.hpp"
 #include "app/shell_dialogs.hpp"
 
 #include <gtest/gtest.h>
@@ -60,9 +59,9 @@ void decline(QWidget* dialog, bool withEscape)
     });
 }
 
-// The message box and the alert with an accessory are the two dialogs behind every question; the
-// text prompt and the bug report are accessory alerts with OK or Submit before Cancel, as the
-// conflict alert is.
+// The message box and the alert with an accessory are the two dialogs behind every question. The
+// text prompt, the bug report and the saved connections' picker are accessory alerts with Cancel
+// among their buttons, as the conflict alert is; the licence's Decline is the other way out.
 TEST(DesktopDialogs, EscapeAndTheCloseButtonDeclineEveryKindOfQuestionWithItsCancellingAnswer)
 {
     auto dialogs = createDesktopDialogs();
@@ -75,7 +74,6 @@ TEST(DesktopDialogs, EscapeAndTheCloseButtonDeclineEveryKindOfQuestionWithItsCan
         return request;
     };
     QStringList const replaceSkipCancel{QStringLiteral("Replace"), QStringLiteral("Skip"), QStringLiteral("Cancel")};
-    std::vector<SavedConnectionItem> const items{{1, markup, "ftp", "home.example", "", "", 21, "", ""}};
     struct Question {
         char const* what;
         std::function<int()> ask;
@@ -83,8 +81,6 @@ TEST(DesktopDialogs, EscapeAndTheCloseButtonDeclineEveryKindOfQuestionWithItsCan
     } const questions[] = {
         {"alert with Cancel last of three", [&] { return dialogs->runAlert(nullptr, alert(replaceSkipCancel)); },
             kFirstAlertButton + 2},
-        {"alert with Close alone", [&] { return dialogs->runAlert(nullptr, alert({QStringLiteral("Close")})); },
-            kFirstAlertButton},
         {"conflict alert with its box",
             [&] {
                 bool checked = true;
@@ -94,8 +90,6 @@ TEST(DesktopDialogs, EscapeAndTheCloseButtonDeclineEveryKindOfQuestionWithItsCan
                 return answer;
             },
             kFirstAlertButton + 2},
-        {"saved connections", [&] { return runSavedConnectionPicker(nullptr, items, QIcon()).button; },
-            kFirstAlertButton + 3},
         {"licence", [&] { return dialogs->acceptLicence(QStringLiteral("terms"), QIcon()) ? 1 : 0; }, 0},
     };
     for (Question const& question : questions) {
