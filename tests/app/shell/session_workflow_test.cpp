@@ -456,8 +456,9 @@ TEST_F(SavedConnections, OpenEditCancelAndDeleteWithTheMarkKeptAcrossARestart)
 
     dialogs().expectSavedConnection({kOpen, 0});
     controller().openSavedConnectionButton()->click();
-    EXPECT_EQ(dialogs().questions().back().options,
-        (QStringList{"Work    ana    files.example.org", "Home    home.example.org", "Third    ana    three.example.org"}));
+    QStringList const rows{
+        "Work    ana    files.example.org", "Home    home.example.org", "Third    ana    three.example.org"};
+    EXPECT_EQ(dialogs().questions().back().options, rows) << "name, user and host, four blanks apart";
     EXPECT_EQ(banner(), "✅ Loaded saved connection \"Work\".");
     EXPECT_EQ(controller().portField()->text(), "2222");
     EXPECT_EQ(form(), (QStringList{"files.example.org", "ana", "s3cret"}));
