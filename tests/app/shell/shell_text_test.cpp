@@ -30,6 +30,7 @@ TEST(ShellText, RemoteRowsKeepTheServersOrderAndJoinTheirPathsToTheBase)
         {"a", true, 4096, "", ""}, {std::string("bad\xff", 4), false, 1, "", ""}}, QStringLiteral("/srv"));
     ASSERT_EQ(rows.size(), 3);
     EXPECT_EQ(rows[0].path, "/srv/b.txt");
+    EXPECT_EQ(rows[0].size, "2048") << "a file's size is its bytes";
     EXPECT_TRUE(rows[1].dir);
     EXPECT_EQ(rows[1].size, "") << "a folder shows no size but keeps it for sorting";
     EXPECT_EQ(rows[1].sizeValue, 4096u);
