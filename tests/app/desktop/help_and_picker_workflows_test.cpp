@@ -41,17 +41,15 @@ public:
     FakeFolderChooser(FakeFolderChooser const&) = delete;
     FakeFolderChooser& operator=(FakeFolderChooser const&) = delete;
 
-    // A broken one is not a program at all, so that starting it fails.
-    void install(std::string const& program, bool broken = false)
+    void install(std::string const& program)
     {
         std::filesystem::path const path = dir_.path() / "bin" / program;
-        writeFile(path, broken ? std::string("\x7f" "ELF garbage", 12)
-                               : "#!/bin/sh\n"
-                                 "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$FAKE_CHOOSER_ARGS\"\n"
-                                 "printf '%s' \"$FAKE_CHOOSER_OUT\"\n"
-                                 "printf '%s' \"$FAKE_CHOOSER_ERR\" >&2\n"
-                                 "[ -n \"$FAKE_CHOOSER_SIGNAL\" ] && kill -\"$FAKE_CHOOSER_SIGNAL\" $$\n"
-                                 "exit \"${FAKE_CHOOSER_EXIT:-0}\"\n");
+        writeFile(path, "#!/bin/sh\n"
+                        "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$FAKE_CHOOSER_ARGS\"\n"
+                        "printf '%s' \"$FAKE_CHOOSER_OUT\"\n"
+                        "printf '%s' \"$FAKE_CHOOSER_ERR\" >&2\n"
+                        "[ -n \"$FAKE_CHOOSER_SIGNAL\" ] && kill -\"$FAKE_CHOOSER_SIGNAL\" $$\n"
+                        "exit \"${FAKE_CHOOSER_EXIT:-0}\"\n");
         std::filesystem::permissions(path, std::filesystem::perms::owner_all);
     }
     // Every answer replaces the whole previous one; `signal` (e.g. "KILL") ends the script with it.
@@ -84,7 +82,8 @@ QString const kGtkNoise = QStringLiteral(
     "(zenity:4242): dbind-WARNING **: 10:11:12.150: AT-SPI: Error retrieving accessibility bus address");
 
 // What each verdict shows the user, and the verdicts of a denial beside a cancel, of a cancel
-// under toolkit chatter and of other statuses, are pinned by the picker's ladder below.
+// under toolkit chatter, of a display error among it and of other statuses, are pinned by the
+// picker's ladder below.
 TEST(FolderChooserVerdict, FollowsTheLadderInItsOrderAndKeepsOnlyMeaningfulErrors)
 {
     struct Case {
@@ -106,41 +105,19 @@ TEST(FolderChooserVerdict, FollowsTheLadderInItsOrderAndKeepsOnlyMeaningfulError
     auto const opened = app::judgeFolderChooserRun(ended(0, "  /home/ann/./Music/../Films/\n", kGtkNoise));
     EXPECT_EQ(opened.path, QStringLiteral("/home/ann/Films"));
     EXPECT_EQ(opened.errorText, QString());
-    auto const noDisplay = app::judgeFolderChooserRun(
-        ended(1, "", kGtkNoise + "\n(zenity:9): Gtk-WARNING **: 10:00:00.000: cannot open display: "));
-    EXPECT_EQ(noDisplay.choice, FolderChoice::Failed);
-    EXPECT_TRUE(noDisplay.errorText.contains(QStringLiteral("cannot open display")));
-    EXPECT_FALSE(noDisplay.errorText.contains(QStringLiteral("Theme parsing")));
 }
 
-TEST(FolderChooserProcess, ZenityComesFirstKdialogServesWithoutItAndTheStartFolderTravelsIntact)
+// Zenity's arguments, and a start folder that travels intact, are pinned by the folder picker.
+TEST(FolderChooserProcess, KdialogServesWithoutZenityAndOutputThatIsNotUtf8IsTakenAsEmpty)
 {
-    using app::FolderChooser;
     FakeFolderChooser chooser;
-    auto run = FolderChooser::run(QStringLiteral("/"), QStringLiteral("p"));
-    EXPECT_FALSE(run.started);
-    EXPECT_FALSE(run.launchError.isEmpty());
-
     chooser.install("kdialog");
-    chooser.answer({}, {}, 1);
-    run = FolderChooser::run(QStringLiteral("/srv/it's"), QStringLiteral("Pick"));
+    chooser.answer(QByteArray("/bad\xff\xfe"), {}, 1);
+    auto const run = app::FolderChooser::run(QStringLiteral("/srv/it's"), QStringLiteral("Pick"));
     ASSERT_TRUE(run.started);
     EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.standardOutput, QString());
     EXPECT_EQ(chooser.arguments(), (QStringList{"--title", "Pick", "--getexistingdirectory", "/srv/it's"}));
-
-    chooser.install("zenity");
-    QString const start = QStringLiteral(R"(/tmp/a "quoted" \back\slash's $HOME `x`)");
-    chooser.answer("/picked/folder\n");
-    run = FolderChooser::run(start, QStringLiteral("Select a local folder"));
-    EXPECT_EQ(run.standardOutput, QStringLiteral("/picked/folder\n"));
-    EXPECT_EQ(chooser.arguments(),
-        (QStringList{"--file-selection", "--directory", "--title", "Select a local folder", "--filename", start + "/"}));
-    chooser.answer(QByteArray("/bad\xff\xfe"));
-    EXPECT_EQ(FolderChooser::run(start, QStringLiteral("p")).standardOutput, QString())
-        << "output that is not UTF-8 is taken as empty";
-
-    chooser.install("zenity", true);
-    EXPECT_FALSE(FolderChooser::run(QStringLiteral("/"), QStringLiteral("p")).started);
 }
 
 // The started shell with the desktop's folder chooser replaced, and a folder for the places a
@@ -174,11 +151,9 @@ std::string withoutTimestamps(std::string const& log)
 
 TEST_F(HelpWorkflows, BugReportsAreAppendedWhenGivenWithTheFormsStateAndNeverItsSecret)
 {
-    // The time stamp carries the zone as signed digits.
-    for (auto const& [offset, zone] : {std::pair{3600, "+0100"}, {0, "+0000"}, {-(3 * 3600 + 30 * 60), "-0330"}}) {
-        QDateTime const at(QDate(2026, 3, 7), QTime(9, 5, 3), QTimeZone(offset));
-        EXPECT_EQ(app::bugReportTimestamp(at), QStringLiteral("2026-03-07 09:05:03 ") + QLatin1String(zone));
-    }
+    // The time stamp carries the zone as signed digits; the log's own stamps are checked for their form.
+    QDateTime const at(QDate(2026, 3, 7), QTime(9, 5, 3), QTimeZone(-(3 * 3600 + 30 * 60)));
+    EXPECT_EQ(app::bugReportTimestamp(at), QStringLiteral("2026-03-07 09:05:03 -0330"));
 
     QString const kTemplate =
         QStringLiteral("What happened?\n\nSteps to reproduce:\n1. \n2. \n\nExpected result:\nActual result:\n");
@@ -233,7 +208,6 @@ TEST_F(HelpWorkflows, TheAboutPanelShowsTheBuildsVersionFallsBackWhenItIsEmptyAn
 
     app::describeApplication(*QCoreApplication::instance());
     EXPECT_EQ(aboutText().section(u'\n', 0, 0), QStringLiteral("Version " PERCHFTP_PROJECT_VERSION));
-    EXPECT_EQ(lastQuestion().kind, QStringLiteral("alert"));
     EXPECT_EQ(lastQuestion().title, QStringLiteral("About PerchFtp"));
     EXPECT_EQ(lastQuestion().options, QStringList{QStringLiteral("Close")});
     QCoreApplication::setApplicationVersion(QString());
@@ -247,13 +221,16 @@ TEST_F(HelpWorkflows, TheAboutPanelShowsTheBuildsVersionFallsBackWhenItIsEmptyAn
 
 TEST_F(FolderPicker, AChosenFolderOpensAndIsRememberedAndThePaneFallsBackToTheDialogAfterACancel)
 {
+    chooser.install("kdialog");
     chooser.install("zenity");
-    QString const odd = place(R"(say "hi" \ back\slash)");
+    QString const odd = place(R"(say "hi" \ back\slash's $HOME `x`)");
     controller().localPane()->loadLocalDirectory(odd);
     QString const music = place("Music");
     chooser.answer((music + "/\n").toUtf8(), "(zenity:1): Gtk-WARNING **: 10:00:00.000: theme noise");
     controller().openLocalFolder();
-    EXPECT_EQ(chooser.arguments().value(5), odd + "/") << "the pane's folder is where the chooser starts";
+    EXPECT_EQ(chooser.arguments(), (QStringList{"--file-selection", "--directory", "--title", "Select a local folder",
+                                       "--filename", odd + "/"}))
+        << "zenity comes first, and starts in the pane's folder";
     EXPECT_EQ(controller().localPane()->pathValue(), music);
     EXPECT_EQ(bannerText(), QStringLiteral("✅ Opened local folder: ") + music);
     EXPECT_EQ(QSettings(QStringLiteral("PerchFtp"), QStringLiteral("PerchFtp")).value("PerchFtpLastLocalPanePath").toString(),

@@ -33,9 +33,9 @@ using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
 // Records what the user is shown while the controller works: each message the popup's label is
-// painted with, in order, and the banner's text at the same moments and when a listing reaches
-// the remote pane. A session call blocks the main thread, so a message that is not painted
-// before its call begins is never painted at all: it is missing from the record.
+// painted with, in order, and the banner's text at those moments and when a listing reaches the
+// remote pane. A session call blocks the main thread, so a message that is not painted before its
+// call begins is never painted at all: it is missing from the record.
 class WhatTheUserSees : public QObject {
 public:
     explicit WhatTheUserSees(app::PerchFtpShellController& controller)
@@ -43,36 +43,30 @@ public:
     {
         qApp->installEventFilter(this);
         connect(controller.remotePane()->model(), &QAbstractItemModel::modelAboutToBeReset, this, [this] { noteBanner(); });
-        forget();
     }
 
-    // What was seen since the last forget(), ending with what the banner shows now.
-    QStringList const& popupMessages() const { return popupMessages_; }
-    QStringList bannerTexts()
-    {
-        noteBanner();
-        return bannerTexts_.mid(1);
-    }
-    // Starts a new record; the banner's present text does not count as seen.
     void forget()
     {
-        popupMessages_.clear();
-        bannerTexts_ = QStringList{controller_.statusLabel()->text()};
+        popupMessages.clear();
+        bannerTexts.clear();
     }
+
+    QStringList popupMessages;
+    QStringList bannerTexts;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         QLabel* message = controller_.statusPopupMessage();
         if (event->type() == QEvent::Paint && message && watched == message) {
-            append(popupMessages_, message->text());
+            append(popupMessages, message->text());
             noteBanner();
         }
         return false;
     }
 
 private:
-    void noteBanner() { append(bannerTexts_, controller_.statusLabel()->text()); }
+    void noteBanner() { append(bannerTexts, controller_.statusLabel()->text()); }
     static void append(QStringList& texts, QString const& text)
     {
         if (!text.isEmpty() && (texts.isEmpty() || text != texts.back())) {
@@ -81,15 +75,12 @@ private:
     }
 
     app::PerchFtpShellController& controller_;
-    QStringList popupMessages_;
-    QStringList bannerTexts_; // the first is the text at the last forget()
 };
 
 // The started shell with the means to type into its connection form and watch what the user is
 // shown.
 class SessionShellTest : public StartedShellTest {
 protected:
-    void SetUp() override { startWatchedShell(); }
     void TearDown() override
     {
         seen_.reset();
@@ -123,16 +114,6 @@ protected:
         controller().userField()->setText(QString::fromStdString(user));
         controller().secretField()->setText(QString::fromStdString(password));
     }
-    // The popup's messages, in order, of an FTP connect to 127.0.0.1 up to the step that failed,
-    // or to the end when `failure` is empty.
-    static QStringList connectingSteps(int port, QString const& failure = {})
-    {
-        QStringList steps{QStringLiteral("Resolving 127.0.0.1:%1 via ftp...").arg(port),
-            QStringLiteral("Preparing protocol adapter..."), QStringLiteral("Opening session for 127.0.0.1...")};
-        return steps << (failure.isEmpty() ? QStringList{QStringLiteral("Session opened. Loading remote directory..."),
-                                                 QStringLiteral("Connected to 127.0.0.1.")}
-                                           : QStringList{failure});
-    }
 
     QString banner() { return controller().statusLabel()->text(); }
     QStringList remoteNames()
@@ -158,14 +139,24 @@ protected:
         std::ofstream(server_.local("/readme.txt")) << "hello";
         std::ofstream(server_.local("/docs/notes.txt")) << "twelve bytes";
         std::ofstream(server_.local("/docs/archive/old.zip")) << "z";
-        SessionShellTest::SetUp();
+        startWatchedShell();
     }
 
     QString port() const { return QString::number(server_.port()); }
-    void fillFormForServer(QString const& portText = {}, std::string const& password = {})
+    void fillFormForServer(std::string const& password = {})
     {
-        fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), portText.isNull() ? port() : portText,
-            server_.user(), password.empty() ? server_.password() : password);
+        fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), port(), server_.user(),
+            password.empty() ? server_.password() : password);
+    }
+    // The popup's messages, in order, of a connect to this server up to the step that failed, or
+    // to the end when `failure` is empty.
+    QStringList connectingSteps(QString const& failure = {}) const
+    {
+        QStringList steps{QStringLiteral("Resolving 127.0.0.1:%1 via ftp...").arg(port()),
+            QStringLiteral("Preparing protocol adapter..."), QStringLiteral("Opening session for 127.0.0.1...")};
+        return steps << (failure.isEmpty() ? QStringList{QStringLiteral("Session opened. Loading remote directory..."),
+                                                 QStringLiteral("Connected to 127.0.0.1.")}
+                                           : QStringList{failure});
     }
     std::size_t listings() const { return server_.receivedCommands({"LIST"}).size(); }
 
@@ -174,42 +165,29 @@ protected:
 
 TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnecting)
 {
-    controller().portField()->setText(QStringLiteral("2222"));
-    emit controller().protocolField()->activated(controller().protocolField()->currentIndex());
-    EXPECT_EQ(controller().portField()->text(), "21") << "the default replaces a typed port";
-    EXPECT_EQ(banner(), "✅ Protocol set to ftp, default port 21.");
-
-    seen().forget();
-    fillFormForServer({}, "not-the-password");
+    fillFormForServer("not-the-password");
     controller().connectButton()->click();
     QString const denied = QStringLiteral("Connect failed: ftp connect: Login denied");
     EXPECT_EQ(controller().session(), nullptr);
     EXPECT_EQ(banner(), "⚠️ " + denied);
-    EXPECT_EQ(seen().popupMessages(), connectingSteps(server_.port(), denied));
-    EXPECT_EQ(controller().connectButton()->text(), "Connect");
+    EXPECT_EQ(seen().popupMessages, connectingSteps(denied));
 
     seen().forget();
-    server_.clearReceivedCommands();
     fillFormForServer();
     controller().connectButton()->click();
     ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
-    EXPECT_EQ(seen().popupMessages(), connectingSteps(server_.port()));
-    EXPECT_EQ(seen().bannerTexts(), (QStringList{"✅ Connected (ftp)", "✅ Remote listing refreshed."}));
+    EXPECT_EQ(seen().popupMessages, connectingSteps());
+    EXPECT_TRUE(seen().bannerTexts.contains("✅ Connected (ftp)")) << "shown before the listing came";
+    EXPECT_EQ(banner(), "✅ Remote listing refreshed.");
     EXPECT_EQ(controller().statusPopupTitle()->text(), "Connecting");
     EXPECT_TRUE(controller().queueLog()->toPlainText().contains("Connected to 127.0.0.1"));
     EXPECT_EQ(controller().remotePane()->pathValue(), "/") << "the listing of the empty path shows itself as the root";
     EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "empty", "readme.txt"));
     EXPECT_EQ(listings(), 1u) << "a listing that works needs no ladder";
 
-    // A double-clicked folder is listed, with the server's sizes, permissions and dates.
     controller().remotePane()->tableViewDoubleClicked(static_cast<int>(remoteNames().indexOf("docs")));
     EXPECT_EQ(controller().remotePane()->pathValue(), "/docs");
-    ASSERT_THAT(remoteNames(), UnorderedElementsAre("archive", "notes.txt"));
-    app::PaneEntry const notes = controller().remotePane()->entries().at(remoteNames().indexOf("notes.txt"));
-    EXPECT_EQ(notes.path, "/docs/notes.txt");
-    EXPECT_EQ(notes.size, "12");
-    EXPECT_THAT(notes.permissions.toStdString(), StartsWith("-rw"));
-    EXPECT_FALSE(notes.modifiedAt.isEmpty());
+    EXPECT_THAT(remoteNames(), UnorderedElementsAre("archive", "notes.txt"));
 
     controller().didRequestOpenPath(controller().remotePane(), QStringLiteral("/empty"), true);
     EXPECT_EQ(banner(), "✅ Remote listing refreshed.");
@@ -221,7 +199,7 @@ TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnect
     controller().refreshButton()->click();
     EXPECT_THAT(remoteNames(), ElementsAre("new.txt"));
     EXPECT_EQ(controller().statusPopupTitle()->text(), "Refreshing");
-    EXPECT_THAT(seen().popupMessages(), ElementsAre("Refreshing local and remote panes...", "Refresh complete."));
+    EXPECT_THAT(seen().popupMessages, ElementsAre("Refreshing local and remote panes...", "Refresh complete."));
 
     // Opening a saved connection changes the form and lists its path through the open session.
     storage::SiteProfile saved = siteProfile("Elsewhere", "sftp", "elsewhere.example.org", 22);
@@ -238,16 +216,16 @@ TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnect
     seen().forget();
     controller().connectSession();
     EXPECT_TRUE(controller().isConnected());
-    QStringList replacing = connectingSteps(server_.port());
+    QStringList replacing = connectingSteps();
     replacing.insert(1, QStringLiteral("Closing previous session..."));
-    EXPECT_EQ(seen().popupMessages(), replacing);
+    EXPECT_EQ(seen().popupMessages, replacing);
 
     server_.clearReceivedCommands();
     seen().forget();
     controller().hostField()->setText(QStringLiteral("typed.later.example"));
     controller().connectButton()->click();
     EXPECT_EQ(controller().session(), nullptr);
-    EXPECT_THAT(seen().popupMessages(), ElementsAre("Disconnecting from typed.later.example...", "Disconnected successfully."))
+    EXPECT_THAT(seen().popupMessages, ElementsAre("Disconnecting from typed.later.example...", "Disconnected successfully."))
         << "the host is the field's at the time of the click";
     EXPECT_EQ(controller().statusPopupTitle()->text(), "Disconnecting");
     EXPECT_EQ(banner(), "✅ Disconnected.");
@@ -257,38 +235,59 @@ TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnect
     seen().forget();
     controller().disconnectSession();
     EXPECT_EQ(banner(), "✅ Session already disconnected.");
-    EXPECT_THAT(seen().popupMessages(), ElementsAre("Session already disconnected."));
+    EXPECT_THAT(seen().popupMessages, ElementsAre("Session already disconnected."));
 }
 
-TEST_F(FtpSessionWorkflow, BadFormValuesAndRefusedConnectsLeaveNoSession)
+TEST_F(FtpSessionWorkflow, BadFormValuesRefusedConnectsAndFailedListingsLeaveTheirOwnWords)
 {
-    // Without a positive leading integer in the port field, or without a host, nothing starts.
-    for (auto const& [host, portText] : {std::pair{"127.0.0.1", ""}, {"127.0.0.1", "-21"}, {"", "21"}}) {
+    // Without a positive port, or without a host, nothing starts.
+    for (auto const& [host, portText] : {std::pair{"127.0.0.1", "-21"}, {"", "21"}}) {
         fillForm(QStringLiteral("ftp"), QString::fromLatin1(host), QString::fromLatin1(portText));
         controller().connectButton()->click();
         EXPECT_EQ(banner(), "⚠️ Host and port are required to connect.") << host << ":" << portText;
     }
-    EXPECT_TRUE(seen().popupMessages().isEmpty());
+    EXPECT_TRUE(seen().popupMessages.isEmpty());
 
-    // No upper bound on the port and no trimming of the host: libcurl refuses them.
-    for (auto const& [host, portText] : {std::pair{"127.0.0.1", QStringLiteral("70000")}, {"   ", port()}}) {
-        seen().forget();
-        fillForm(QStringLiteral("ftp"), QString::fromLatin1(host), portText, server_.user(), "x");
-        controller().connectButton()->click();
-        EXPECT_EQ(seen().popupMessages().value(0), QStringLiteral("Resolving %1:%2 via ftp...").arg(host, portText));
-        EXPECT_EQ(banner(), "⚠️ Connect failed: ftp connect: URL using bad/illegal format or missing URL");
-        EXPECT_EQ(controller().session(), nullptr);
-    }
+    // No upper bound on the port: libcurl refuses it.
+    fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), QStringLiteral("70000"), server_.user(), "x");
+    controller().connectButton()->click();
+    EXPECT_EQ(seen().popupMessages.value(0), "Resolving 127.0.0.1:70000 via ftp...");
+    EXPECT_EQ(banner(), "⚠️ Connect failed: ftp connect: URL using bad/illegal format or missing URL");
+    EXPECT_EQ(controller().session(), nullptr);
 
-    // A protocol name is trimmed and lowered; a port is read up to its first non-digit.
+    // A protocol name is trimmed and lowered. A failed first listing keeps the session, and the
+    // empty path climbs the ladder: "", then "/", then "" again.
     QComboBox* protocol = controller().protocolField();
     protocol->addItems({QStringLiteral("  FTP "), QStringLiteral("gopher")});
-    fillFormForServer(QStringLiteral(" +") + port() + QStringLiteral("th"));
+    fillFormForServer();
     protocol->setCurrentText(QStringLiteral("  FTP "));
+    server_.setReply("LIST", "550 Listing refused.");
     seen().forget();
     controller().connectSession();
     ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
-    EXPECT_EQ(seen().popupMessages().value(0), "Resolving 127.0.0.1:" + port() + " via ftp...");
+    EXPECT_EQ(seen().popupMessages.value(0), "Resolving 127.0.0.1:" + port() + " via ftp...");
+    EXPECT_EQ(seen().popupMessages.value(seen().popupMessages.size() - 1), "Connected to 127.0.0.1.");
+    EXPECT_THAT(banner().toStdString(), StartsWith("⚠️ Remote list failed: ftp list: "));
+    EXPECT_THAT(remoteNames().value(0).toStdString(), StartsWith("(List failed: ftp list: "));
+    EXPECT_TRUE(controller().queueLog()->toPlainText().contains("Remote list failed: ftp list: "));
+    EXPECT_EQ(listings(), 3u);
+
+    // "." climbs it as well and shows as the root once a retry works; another path is not retried.
+    server_.clearReplies();
+    server_.clearReceivedCommands();
+    server_.setReply("LIST", "550 Not now.", 2);
+    controller().remotePane()->setPathValue(QStringLiteral("."));
+    controller().refreshRemoteDirectory();
+    EXPECT_EQ(listings(), 3u);
+    EXPECT_EQ(controller().remotePane()->pathValue(), "/");
+    EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "empty", "readme.txt"));
+    server_.clearReceivedCommands();
+    server_.setReply("LIST", "550 No.");
+    controller().remotePane()->setPathValue(QStringLiteral("/docs"));
+    controller().refreshRemoteDirectory();
+    EXPECT_EQ(listings(), 1u);
+    EXPECT_THAT(banner().toStdString(), StartsWith("⚠️ Remote list failed: ftp list: "));
+    server_.clearReplies();
 
     // An unknown protocol: the previous session is gone before the adapter is asked for, and the
     // controls are not refreshed on this path.
@@ -297,10 +296,11 @@ TEST_F(FtpSessionWorkflow, BadFormValuesAndRefusedConnectsLeaveNoSession)
     controller().connectSession();
     EXPECT_EQ(controller().session(), nullptr);
     EXPECT_EQ(banner(), "⚠️ Protocol adapter not available in this build.");
-    EXPECT_THAT(seen().popupMessages(),
+    EXPECT_THAT(seen().popupMessages,
         ElementsAre("Resolving 127.0.0.1:" + port() + " via gopher...", "Closing previous session...",
             "Preparing protocol adapter...", "Protocol adapter not available in this build."));
     EXPECT_EQ(controller().connectButton()->text(), "Disconnect");
+
     protocol->setCurrentIndex(-1);
     controller().connectSession();
     EXPECT_EQ(banner(), "✅ Remote listing refreshed.") << "with nothing selected the protocol is ftp";
@@ -314,40 +314,6 @@ TEST_F(FtpSessionWorkflow, BadFormValuesAndRefusedConnectsLeaveNoSession)
     EXPECT_EQ(banner(), "✅ Session already disconnected.");
 }
 
-TEST_F(FtpSessionWorkflow, AFailedFirstListingKeepsTheSessionAndOnlyTheRootClimbsTheLadder)
-{
-    server_.setReply("LIST", "550 Listing refused.");
-    fillFormForServer();
-    controller().connectButton()->click();
-    EXPECT_TRUE(controller().isConnected());
-    EXPECT_EQ(seen().popupMessages().value(seen().popupMessages().size() - 1), "Connected to 127.0.0.1.");
-    EXPECT_THAT(banner().toStdString(), StartsWith("⚠️ Remote list failed: ftp list: "));
-    EXPECT_THAT(remoteNames().value(0).toStdString(), StartsWith("(List failed: ftp list: "));
-    EXPECT_TRUE(controller().queueLog()->toPlainText().contains("Remote list failed: ftp list: "));
-    EXPECT_EQ(listings(), 3u) << "the empty path, then \"/\", then the empty path again";
-
-    // The empty path and "." climb the ladder and show as the root once a retry works.
-    for (auto const& [path, refusals] : {std::pair{"", 1}, std::pair{".", 2}}) {
-        SCOPED_TRACE(path);
-        server_.clearReplies();
-        server_.clearReceivedCommands();
-        server_.setReply("LIST", "550 Not now.", refusals);
-        controller().remotePane()->setPathValue(QString::fromLatin1(path));
-        controller().refreshRemoteDirectory();
-        EXPECT_EQ(listings(), static_cast<std::size_t>(refusals + 1));
-        EXPECT_EQ(controller().remotePane()->pathValue(), "/");
-        EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "empty", "readme.txt"));
-    }
-
-    // Another path is not tried again.
-    server_.clearReceivedCommands();
-    server_.setReply("LIST", "550 No.");
-    controller().remotePane()->setPathValue(QStringLiteral("/docs"));
-    controller().refreshRemoteDirectory();
-    EXPECT_EQ(listings(), 1u);
-    EXPECT_THAT(banner().toStdString(), StartsWith("⚠️ Remote list failed: ftp list: "));
-}
-
 using Names = std::vector<std::string>;
 
 constexpr int kOpen = app::kFirstAlertButton;
@@ -355,32 +321,26 @@ constexpr int kEdit = app::kFirstAlertButton + 1;
 constexpr int kDelete = app::kFirstAlertButton + 2;
 constexpr int kCancel = app::kFirstAlertButton + 3;
 
-TEST(SavedConnectionRows, ShowNameUserAndHostFourBlanksApartAndReplaceTextThatIsNotUtf8)
+// How a picker row reads is pinned with the saved connections below; here, what the store could
+// hand over that is not text.
+TEST(SavedConnectionRows, NamesAndFieldsThatAreNotUtf8AreReplaced)
 {
-    storage::SiteProfile withUser = siteProfile("Work", "sftp", "files.example.org", 2222);
-    withUser.user = "ana";
     storage::SiteProfile broken = siteProfile(std::string("bad\xff", 4), std::string("\xc3", 1), "h", 21);
-    broken.id = 7;
     broken.user = std::string("\xfe", 1);
-    auto const items = app::savedConnectionItems({withUser, siteProfile("Mirror", "ftp", "mirror.example.org", 21), broken});
-    EXPECT_EQ(app::savedConnectionRowTexts(items),
-        (QStringList{"Work    ana    files.example.org", "Mirror    mirror.example.org", "Saved Connection    h"}));
-    EXPECT_EQ(items[2].id, 7);
-    EXPECT_EQ(items[2].protocol, "ftp");
-    EXPECT_EQ(items[2].user, "");
+    auto const items = app::savedConnectionItems({broken});
+    EXPECT_EQ(app::savedConnectionRowTexts(items), QStringList{"Saved Connection    h"});
+    EXPECT_EQ(items[0].protocol, "ftp");
 }
 
 class SavedConnections : public SessionShellTest {
 protected:
-    void SetUp() override {}
-
     // Starts the shell on a database that already holds these connections.
     void startWith(std::vector<storage::SiteProfile> const& profiles)
     {
         writeSites(baseDatabase(), profiles);
         startWatchedShell();
     }
-    std::vector<storage::SiteProfile> stored() { return readSites(baseDatabase()).value_or(std::vector<storage::SiteProfile>{}); }
+    std::vector<storage::SiteProfile> stored() { return readSites(baseDatabase()); }
     // The connections' names in order, the one used last marked with a "*".
     static Names names(std::vector<storage::SiteProfile> const& profiles)
     {
@@ -406,13 +366,13 @@ protected:
     }
 };
 
-TEST_F(SavedConnections, BadFormValuesAreRefusedWithTheirOwnWordsThenTheFormIsSavedAndUpdatedByName)
+TEST_F(SavedConnections, TheFormIsCheckedThenSavedAndUpdatedByNameAndKeptInMemoryWhenTheDiskFails)
 {
     startWith({profile("Home", "home.example.org")});
     fillForm(QStringLiteral("ftp"), QString(), QStringLiteral("21"));
     controller().saveConnection();
     EXPECT_EQ(banner(), "⚠️ Host is required before saving a connection.");
-    for (QString const port : {"", "abc", "0", "65536"}) {
+    for (QString const port : {"0", "65536"}) {
         fillForm(QStringLiteral("ftp"), QStringLiteral("files.example.org"), port);
         controller().saveConnection();
         EXPECT_EQ(banner(), "⚠️ Port must be between 1 and 65535 before saving.") << port.toStdString();
@@ -427,20 +387,16 @@ TEST_F(SavedConnections, BadFormValuesAreRefusedWithTheirOwnWordsThenTheFormIsSa
     EXPECT_EQ(banner(), "⚠️ Connection details are invalid and could not be saved.");
 
     // A name of blanks counts as a cancel.
-    fillForm(QStringLiteral("ftp"), QStringLiteral("files.example.org"), QStringLiteral("21abc"));
-    for (auto const& answer : {std::optional<QString>(" \t\n "), std::optional<QString>()}) {
-        dialogs().expectText(answer);
-        controller().saveConnection();
-        EXPECT_EQ(banner(), "✅ Save connection canceled.");
-    }
+    fillForm(QStringLiteral("ftp"), QStringLiteral("files.example.org"), QStringLiteral("21"));
+    dialogs().expectText(QStringLiteral(" \t\n "));
+    controller().saveConnection();
+    EXPECT_EQ(banner(), "✅ Save connection canceled.");
     EXPECT_EQ(names(stored()), Names{"Home"});
 
     fillWorkForm();
     controller().remotePane()->setPathValue(QStringLiteral("/srv/www"));
-    std::size_t const asked = dialogs().questions().size();
     dialogs().expectText(QStringLiteral("  Work\n"));
     controller().saveConnectionButton()->click();
-    ASSERT_EQ(dialogs().questions().size(), asked + 1);
     auto const& question = dialogs().questions().back();
     EXPECT_EQ(question.title, "Save Connection");
     EXPECT_EQ(question.text, "Enter a saved connection name.");
@@ -467,26 +423,22 @@ TEST_F(SavedConnections, BadFormValuesAreRefusedWithTheirOwnWordsThenTheFormIsSa
     expected.host = "new.example.org";
     expected.port = 22;
     EXPECT_EQ(stored(), (std::vector{sites[0], expected})) << "the same id, updated";
-}
 
-TEST_F(SavedConnections, ASaveOrDeleteThatCannotReachTheDiskKeepsTheChangeInMemory)
-{
-    startWith({profile("Home", "home.example.org")});
     // A folder stands where the database was, so every write fails.
     for (char const* suffix : {"", "-wal", "-shm"}) {
         QFile::remove(baseDatabase() + QString::fromLatin1(suffix));
     }
     ASSERT_TRUE(QDir().mkpath(baseDatabase() + QStringLiteral("/in-the-way")));
     fillWorkForm();
-    dialogs().expectText(QStringLiteral("Work"));
+    dialogs().expectText(QStringLiteral("Other"));
     controller().saveConnection();
     EXPECT_EQ(banner(), "⚠️ Connection updated in memory, but saving to disk failed.");
-    EXPECT_EQ(names(controller().siteManager().listSites()), (Names{"Home", "Work"})) << "no mark after a failed save";
-
+    EXPECT_EQ(names(controller().siteManager().listSites()), (Names{"Home", "Work*", "Other"}))
+        << "no mark moves after a failed save";
     dialogs().expectSavedConnection({kDelete, 0});
     controller().openSavedConnection();
     EXPECT_EQ(banner(), "⚠️ Saved connection deleted in memory, but saving to disk failed.");
-    EXPECT_EQ(names(controller().siteManager().listSites()), (Names{"Work"}));
+    EXPECT_EQ(names(controller().siteManager().listSites()), (Names{"Work*", "Other"}));
     EXPECT_EQ(controller().hostField()->text(), "files.example.org") << "the form stays as it is";
 }
 
@@ -505,6 +457,9 @@ TEST_F(SavedConnections, OpenEditCancelAndDeleteWithTheMarkKeptAcrossARestart)
 
     dialogs().expectSavedConnection({kOpen, 0});
     controller().openSavedConnectionButton()->click();
+    QStringList const rows{
+        "Work    ana    files.example.org", "Home    home.example.org", "Third    ana    three.example.org"};
+    EXPECT_EQ(dialogs().questions().back().options, rows) << "name, user and host, four blanks apart";
     EXPECT_EQ(banner(), "✅ Loaded saved connection \"Work\".");
     EXPECT_EQ(controller().portField()->text(), "2222");
     EXPECT_EQ(form(), (QStringList{"files.example.org", "ana", "s3cret"}));
@@ -530,11 +485,9 @@ TEST_F(SavedConnections, OpenEditCancelAndDeleteWithTheMarkKeptAcrossARestart)
     dialogs().expectSavedConnection({kCancel, 0});
     controller().openSavedConnection();
     EXPECT_EQ(banner(), "✅ Open saved connection canceled.");
-    for (int row : {-1, 3}) {
-        dialogs().expectSavedConnection({kOpen, row});
-        controller().openSavedConnection();
-        EXPECT_EQ(banner(), "⚠️ Saved connection selection is invalid.") << row;
-    }
+    dialogs().expectSavedConnection({kOpen, 3});
+    controller().openSavedConnection();
+    EXPECT_EQ(banner(), "⚠️ Saved connection selection is invalid.");
     EXPECT_EQ(controller().hostField()->text(), "typed.example.org");
 
     // A delete asks nothing more, empties the form and moves the mark to the last connection.
@@ -545,10 +498,9 @@ TEST_F(SavedConnections, OpenEditCancelAndDeleteWithTheMarkKeptAcrossARestart)
     EXPECT_EQ(dialogs().questions().size(), asked + 1);
     EXPECT_EQ(names(stored()), (Names{"Home", "Third*"})) << "even away from the marked one";
     EXPECT_EQ(form(), (QStringList{"", "", ""}));
-    for (char const* name : {"Home", "Third"}) {
+    for (int left = 0; left < 2; ++left) {
         dialogs().expectSavedConnection({kDelete, 0});
         controller().openSavedConnection();
-        EXPECT_EQ(banner(), QStringLiteral("✅ Deleted saved connection \"%1\".").arg(QLatin1String(name)));
     }
     EXPECT_TRUE(stored().empty());
 

@@ -28,13 +28,10 @@ void writeSites(QString const& databasePath, std::vector<storage::SiteProfile> c
     ASSERT_TRUE(storage::createFileStore(databasePath.toStdString())->save(snapshot)) << databasePath.toStdString();
 }
 
-std::optional<std::vector<storage::SiteProfile>> readSites(QString const& databasePath)
+std::vector<storage::SiteProfile> readSites(QString const& databasePath)
 {
     auto snapshot = storage::createFileStore(databasePath.toStdString())->load();
-    if (!snapshot) {
-        return std::nullopt;
-    }
-    return snapshot->profiles;
+    return snapshot ? snapshot->profiles : std::vector<storage::SiteProfile>{};
 }
 
 void StartedShellTest::startShell()

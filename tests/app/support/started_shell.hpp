@@ -27,8 +27,8 @@ storage::SiteProfile siteProfile(std::string name, std::string protocol, std::st
 // Writes the profiles into a site database at the path, through the real store.
 void writeSites(QString const& databasePath, std::vector<storage::SiteProfile> const& profiles);
 
-// The profiles a site database holds now, or nothing when it gives no snapshot.
-std::optional<std::vector<storage::SiteProfile>> readSites(QString const& databasePath);
+// The profiles a site database holds now; none when it gives no snapshot.
+std::vector<storage::SiteProfile> readSites(QString const& databasePath);
 
 // A test that starts the real shell in fresh user folders, with the licence accepted and the
 // dialogs answered from a script.
