@@ -62,14 +62,4 @@ inline std::string patternedBytes(std::size_t size)
     return bytes;
 }
 
-// Server options for implicit TLS with the given certificates.
-inline FtpTestServerOptions implicitTls(TestCertificates const& certificates)
-{
-    FtpTestServerOptions options;
-    options.implicitTls = true;
-    options.certificateFile = certificates.serverCertificate();
-    options.keyFile = certificates.serverKey();
-    return options;
-}
-
 } // namespace perchftp::test

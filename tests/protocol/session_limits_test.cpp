@@ -3,7 +3,6 @@
 #include "session_fixture.hpp"
 
 #include "support/servers/child_process.hpp"
-#include "support/servers/sshd_test_server.hpp"
 
 #include <unistd.h>
 
@@ -13,7 +12,6 @@ namespace perchftp::test {
 namespace {
 
 using protocol::SessionResult;
-using testing::StartsWith;
 
 // Runs an operation and expects it to take between `least` and `most` seconds.
 template <typename Operation>
@@ -67,27 +65,6 @@ TEST(SessionLimits, EndsAListingOrAnUploadAfterSixtySeconds)
     EXPECT_EQ(recorder.events.back().type, TransferEventType::Failed);
     EXPECT_EQ(recorder.events.back().total, 100 * kBytesPerSecond);
     EXPECT_GT(recorder.events.back().transferred, 0u);
-}
-
-// A client of one protocol meeting a server of another waits for a greeting that never comes in
-// its own language, and gives up by the connect limit.
-TEST(SessionLimits, RefusesAServerOfAnotherProtocol)
-{
-    ASSERT_EQ(SshdTestServer::whyUnavailable(), "");
-    TestCertificates certificates;
-    FtpTestServer ftp;
-    FtpTestServer ftps(implicitTls(certificates));
-    SshdTestServer sshd;
-    for (auto const& [protocolName, port] : std::vector<std::pair<char const*, int>>{
-             {"sftp", ftp.port()}, {"ftp", ftps.port()}, {"ftp", sshd.port()}}) {
-        SCOPED_TRACE(protocolName);
-        auto session = makeSession(protocolName);
-        SessionResult const result =
-            timed(0, 15.0, [&] { return session->connect("127.0.0.1", port, "perch", "perch-secret"); });
-        EXPECT_EQ(result.code, 1);
-        EXPECT_THAT(result.message, StartsWith(std::string(protocolName) + " connect: "));
-        EXPECT_FALSE(session->isConnected());
-    }
 }
 
 } // namespace

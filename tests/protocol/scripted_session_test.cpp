@@ -1,0 +1,277 @@
+// What only a scriptable server shows: commands it refuses or drops, the login folder it claims,
+// a server that dies mid-transfer, and what a failure leaves behind.
+#include "session_fixture.hpp"
+
+#include "support/servers/child_process.hpp"
+
+#include <functional>
+#include <tuple>
+
+namespace perchftp::test {
+namespace {
+
+using protocol::IRemoteSession;
+using protocol::RemoteEntry;
+using protocol::SessionResult;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class ScriptedFtp : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(connect(server.password()).ok);
+        server.clearReceivedCommands();
+    }
+    SessionResult connect(std::string const& password)
+    {
+        return session->connect("127.0.0.1", server.port(), server.user(), password);
+    }
+    void put(std::string const& remotePath, std::string const& bytes = "x")
+    {
+        std::filesystem::create_directories(server.local(remotePath).parent_path());
+        writeFile(server.local(remotePath), bytes);
+    }
+
+    FtpTestServer server;
+    std::unique_ptr<IRemoteSession> session = makeSession("ftp");
+    TempDir local;
+};
+
+// One command against the server as the earlier rows left it; `replies` are whole lines or verbs
+// answered instead of carried out (see FtpTestServer::setReply). A row with a `login` reply first
+// connects again while PWD gives that answer: the login folder the session believes in.
+struct LadderRow {
+    char const* what;
+    std::vector<std::tuple<std::string, std::string, int>> replies;
+    std::function<SessionResult(IRemoteSession&)> run;
+    std::string failure; // empty when it works
+    std::vector<std::string> wire;
+    std::string login{};
+};
+
+TEST_F(ScriptedFtp, RemoteCommandsClimbTheirLaddersOnTheWire)
+{
+    for (char const* file : {"/r2", "/a3/x", "/x", "/my file", "/c15.txt", "/d16"}) {
+        put(file);
+    }
+    std::filesystem::create_directories(server.local("/a17"));
+    std::string const refused = "550 Refused by the test.";
+    std::string const quoteFailed = "ftp operation failed: Quote command returned error";
+    std::vector<LadderRow> const rows{
+        {"a second rung equal to the first is sent again", {{"RNFR r2", refused, 1}},
+         [](IRemoteSession& s) { return s.rename("/r2", "/r2b"); }, "", {"RNFR r2", "RNFR r2", "RNTO r2b"}},
+        // The bare names would rename "/x" in the login folder; those rungs are never sent.
+        {"a rename climbs to the absolute path", {{"RNFR a3/x", refused, -1}, {"RNFR /a3/x", refused, 1}},
+         [](IRemoteSession& s) { return s.rename("/a3/x", "/a3/y"); }, "",
+         {"RNFR a3/x", "RNFR a3/x", "RNFR /a3/x", "RNFR /a3/x", "RNTO /a3/y"}},
+        {"the first rung's failure is reported when all fail", {{"RNFR", refused, -1}, {"RNFR /gone", "CLOSE", -1}},
+         [](IRemoteSession& s) { return s.rename("/gone", "/still-gone"); }, quoteFailed,
+         {"RNFR gone", "RNFR gone", "RNFR gone", "RNFR /gone", "RNFR /gone"}},
+        {"names with blanks and dots go as they stand", {},
+         [](IRemoteSession& s) { return s.rename("/my file", "/a17/../their file"); }, "",
+         {"RNFR my file", "RNTO their file"}},
+        {"chmod has no ladder", {{"SITE CHMOD", refused, -1}}, [](IRemoteSession& s) { return s.chmod("/x", 420); },
+         quoteFailed, {"SITE CHMOD 420 /x"}},
+        {"an empty remove has no rung", {}, [](IRemoteSession& s) { return s.remove(""); },
+         "ftp operation failed: unknown delete failure", {}},
+        {"an empty mkdir has no rung", {}, [](IRemoteSession& s) { return s.mkdir(""); },
+         "ftp operation failed: unknown mkdir failure", {}},
+        {"an empty rename has no rung", {}, [](IRemoteSession& s) { return s.rename("", ""); },
+         "ftp rename failed: unknown rename failure", {}},
+        {"a login folder elsewhere leaves only the absolute rungs", {},
+         [](IRemoteSession& s) { return s.remove("/c15.txt"); }, "", {"DELE /c15.txt"},
+         "257 \"/home\" is the current directory."},
+        {"an unknown login folder leaves only the absolute rungs", {},
+         [](IRemoteSession& s) { return s.rename("/d16", "/e16"); }, "", {"RNFR /d16", "RNTO /e16"},
+         "550 Not telling."},
+    };
+    for (LadderRow const& row : rows) {
+        SCOPED_TRACE(row.what);
+        server.clearReplies();
+        if (!row.login.empty()) {
+            server.setReply("PWD", row.login);
+            ASSERT_TRUE(connect(server.password()).ok);
+            server.clearReplies();
+        }
+        for (auto const& [command, reply, times] : row.replies) {
+            server.setReply(command, reply, times);
+        }
+        server.clearReceivedCommands();
+        SessionResult const result = row.run(*session);
+        EXPECT_EQ(result.code, row.failure.empty() ? 0 : 1);
+        EXPECT_EQ(result.message, row.failure.empty() ? "ftp operation" : row.failure);
+        EXPECT_EQ(server.receivedCommands({"RNFR", "RNTO", "DELE", "RMD", "MKD", "SITE"}), row.wire);
+        EXPECT_TRUE(session->isConnected());
+    }
+    for (char const* kept : {"/r2b", "/a3/y", "/x", "/their file"}) {
+        EXPECT_TRUE(std::filesystem::exists(server.local(kept))) << kept;
+    }
+    for (char const* gone : {"/y", "/c15.txt", "/d16"}) {
+        EXPECT_FALSE(std::filesystem::exists(server.local(gone))) << gone;
+    }
+}
+
+TEST_F(ScriptedFtp, ListingsAndTransfersFailWithoutLosingWhatTheCallerHad)
+{
+    // A reply replaces the caller's entries; a failure leaves them.
+    server.setListing("/", "top\n");
+    std::vector<RemoteEntry> entries = {{"stale", false, 1, "", ""}};
+    ASSERT_TRUE(session->list("/", entries).ok);
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].name, "top");
+    SessionResult result = session->list("/no/such/folder", entries);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.message, "ftp list: Access denied to remote resource");
+    server.setReply("LIST", "CLOSE");
+    EXPECT_THAT(session->list("/", entries).message, StartsWith("ftp list: "));
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].name, "top");
+    EXPECT_TRUE(session->isConnected());
+
+    // Refused before any event or command.
+    writeFile(local.file("plain"), "not a folder");
+    put("/x");
+    server.clearReceivedCommands();
+    for (auto const& [upload, localPath, remotePath, message] :
+         std::vector<std::tuple<bool, std::string, std::string, std::string>>{
+             {true, "", "/x", "ftp upload: invalid path"},
+             {false, local.file("x"), "", "ftp download: invalid path"},
+             {true, local.file("absent"), "/x", "ftp upload: local file not found"},
+             {false, local.file("plain/x"), "/x", "ftp download: cannot open local path"}}) {
+        EventRecorder events;
+        protocol::TransferParams const params{localPath, remotePath, false};
+        result = upload ? session->upload(params, events.callback()) : session->download(params, events.callback());
+        EXPECT_EQ(result.code, 3) << message;
+        EXPECT_EQ(result.message, message);
+        EXPECT_THAT(events.events, IsEmpty()) << message;
+    }
+    EXPECT_THAT(server.receivedCommands(), IsEmpty());
+
+    // A failed upload ends in Failed and makes nothing; a failed download empties its local file first.
+    writeFile(local.file("f"), "abc");
+    EventRecorder up;
+    result = session->upload({local.file("f"), "/missing/f", false}, up.callback());
+    EXPECT_EQ(result.code, 5);
+    EXPECT_THAT(result.message, StartsWith("ftp upload: "));
+    ASSERT_FALSE(up.events.empty());
+    EXPECT_EQ(up.events.front().type, TransferEventType::Started);
+    EXPECT_EQ(up.events.back().type, TransferEventType::Failed);
+    EXPECT_EQ(up.events.back().total, 3u);
+    EXPECT_FALSE(std::filesystem::exists(server.local("/missing")));
+    writeFile(local.file("keep.txt"), "old content");
+    EventRecorder down;
+    result = session->download({local.file("keep.txt"), "/absent.txt", false}, down.callback());
+    EXPECT_EQ(result.code, 5);
+    EXPECT_EQ(result.message, "ftp download: Remote file not found");
+    ASSERT_FALSE(down.events.empty());
+    EXPECT_EQ(down.events.back().type, TransferEventType::Failed);
+    EXPECT_EQ(down.events.back().transferred + down.events.back().total, 0u);
+    EXPECT_TRUE(std::filesystem::exists(local.file("keep.txt")));
+    EXPECT_EQ(readFile(local.file("keep.txt")), "");
+    EXPECT_TRUE(session->isConnected());
+
+    // Bytes the disk refuses do not fail a download.
+    put("/x.bin", patternedBytes(1024 * 1024));
+    EXPECT_TRUE(session->download({"/dev/full", "/x.bin", false}, {}).ok);
+
+    // Without a size, progress is reported only until the first bytes arrive.
+    put("/unsized.bin", patternedBytes(10u * 1024 * 1024));
+    server.setReply("SIZE", "502 Command not implemented.");
+    EventRecorder unsized;
+    ASSERT_TRUE(session->download({local.file("unsized.bin"), "/unsized.bin", false}, unsized.callback()).ok);
+    ASSERT_GE(unsized.events.size(), 2u);
+    for (std::size_t i = 0; i + 1 < unsized.events.size(); ++i) {
+        EXPECT_EQ(unsized.events[i].total, 0u) << i;
+        EXPECT_EQ(unsized.events[i].transferred == 0, i + 2 < unsized.events.size()) << i;
+    }
+
+    // A failed connect forgets the earlier connection, even one refused before the network.
+    int const closed = freeLoopbackPort();
+    for (auto const& [host, port, failure] : std::vector<std::tuple<std::string, int, std::string>>{
+             {"127.0.0.1", server.port(), "Login denied"}, {"127.0.0.1", closed, "Couldn't connect to server"},
+             {"", server.port(), "invalid endpoint"}, {"127.0.0.1", 0, "invalid endpoint"},
+             {"127.0.0.1", -21, "invalid endpoint"}}) {
+        ASSERT_TRUE(connect(server.password()).ok);
+        result = session->connect(host, port, server.user(), "wrong");
+        EXPECT_EQ(result.code, 1);
+        EXPECT_EQ(result.message, "ftp connect: " + failure);
+        EXPECT_FALSE(session->isConnected()) << failure;
+    }
+
+    // Before a connect every operation is refused, and a disconnect still succeeds.
+    session = makeSession("ftp");
+    EventRecorder never;
+    protocol::TransferParams const params{local.file("f"), "/x", false};
+    for (auto const& [refused, message] : std::vector<std::pair<SessionResult, std::string>>{
+             {session->upload(params, never.callback()), "upload"}, {session->download(params, {}), "download"},
+             {session->list("/", entries), "list"}, {session->rename("/x", "/y"), "rename"},
+             {session->remove("/x"), "delete"}, {session->mkdir("/x"), "mkdir"}, {session->chmod("/x", -1), "chmod"}}) {
+        EXPECT_EQ(refused.code, 1) << message;
+        EXPECT_EQ(refused.message, "ftp " + message + ": not connected");
+    }
+    EXPECT_THAT(never.events, IsEmpty());
+    result = session->disconnect();
+    EXPECT_TRUE(result.ok);
+    EXPECT_EQ(result.message, "ftp disconnect");
+}
+
+TEST(ScriptedFtpServer, KeepsWhatArrivedWhenTheServerDiesMidDownload)
+{
+    FtpTestServerOptions options;
+    options.throttleBytesPerSecond = 2u * 1024 * 1024;
+    FtpTestServer server(options);
+    std::string const bytes = patternedBytes(10u * 1024 * 1024);
+    writeFile(server.local("/big.bin"), bytes);
+    auto session = makeSession("ftp");
+    ASSERT_TRUE(session->connect("127.0.0.1", server.port(), server.user(), server.password()).ok);
+    TempDir local;
+    TransferEventType last{};
+    auto const killOnFirstBytes = [&](TransferEventType type, protocol::TransferProgress const& progress) {
+        last = type;
+        if (progress.transferred > 0) {
+            server.kill();
+        }
+    };
+    SessionResult const result = session->download({local.file("big.bin"), "/big.bin", false}, killOnFirstBytes);
+    EXPECT_EQ(result.code, 5);
+    EXPECT_THAT(result.message, StartsWith("ftp download: "));
+    EXPECT_EQ(last, TransferEventType::Failed);
+    std::string const arrived = readFile(local.file("big.bin"));
+    EXPECT_LT(arrived.size(), bytes.size());
+    EXPECT_EQ(arrived, bytes.substr(0, arrived.size()));
+}
+
+TEST(FtpsSession, RefusesAnUntrustedCertificateAndAPlainServer)
+{
+    TestCertificates trusted;
+    TestCertificates stranger;
+    if (std::string const reason = trustInPrivateMountNamespace(trusted.authorityCertificate()); !reason.empty()) {
+        GTEST_SKIP() << "FTPS test skipped: it " << reason;
+    }
+    auto const implicitTls = [](TestCertificates const& certificates) {
+        return FtpTestServerOptions{.implicitTls = true,
+                                    .certificateFile = certificates.serverCertificate(),
+                                    .keyFile = certificates.serverKey()};
+    };
+    FtpTestServer strangerServer(implicitTls(stranger));
+    FtpTestServer trustedServer(implicitTls(trusted));
+    FtpTestServer plainServer;
+
+    auto session = makeSession("ftps");
+    SessionResult result = session->connect("127.0.0.1", strangerServer.port(), "perch", "perch-secret");
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.message, "ftps connect: SSL peer certificate or SSH remote key was not OK");
+    EXPECT_FALSE(session->isConnected());
+    EXPECT_THAT(strangerServer.receivedCommands(), IsEmpty()) << "no credentials go to an untrusted server";
+
+    EXPECT_TRUE(session->connect("127.0.0.1", trustedServer.port(), "perch", "perch-secret").ok);
+
+    result = session->connect("127.0.0.1", plainServer.port(), "perch", "perch-secret");
+    EXPECT_EQ(result.code, 1);
+    EXPECT_THAT(result.message, StartsWith("ftps connect: "));
+    EXPECT_FALSE(session->isConnected());
+}
+
+} // namespace
+} // namespace perchftp::test
