@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """A scriptable FTP server for the tests, plain or with implicit TLS.
 
-Usage: ftp_test_server.py ROOT CONTROL PORT_FILE USER PASSWORD THROTTLE [CERT KEY]
-CONTROL holds the listings, scripted replies and command record that
-tests/support/servers/ftp_test_server.cpp writes and reads.
+Usage: ftp_test_server.py ROOT CONTROL USER PASSWORD THROTTLE [CERT KEY]
+CONTROL receives the file "port" once the server listens, and holds the listings, scripted
+replies and command record that tests/support/servers/ftp_test_server.cpp writes and reads.
 """
 
 import os
@@ -19,37 +19,26 @@ def make_scripted(base):
         control = None
         rule_uses = {}
 
-        def _control_file(self, *parts):
-            return os.path.join(self.control, *parts)
-
-        def _record(self, line):
-            with open(self._control_file("record.log"), "a", encoding="utf-8", errors="surrogateescape") as f:
-                f.write(line + "\n")
-
         def _scripted_reply(self, line, verb):
             try:
-                with open(self._control_file("replies.tsv"), encoding="utf-8") as f:
-                    rules = [row.rstrip("\n").split("\t") for row in f if "\t" in row]
+                with open(os.path.join(self.control, "replies.tsv"), encoding="utf-8") as f:
+                    rules = [row.rstrip("\n").split("\t") for row in f]
             except FileNotFoundError:
                 return None
-            for matching in (lambda m: m == line, lambda m: m == verb):
-                for rule in rules:
-                    if not matching(rule[0]):
-                        continue
-                    key = "\t".join(rule)
-                    times = int(rule[2]) if len(rule) > 2 and rule[2] else -1
-                    used = ScriptedHandler.rule_uses.get(key, 0)
-                    if times >= 0 and used >= times:
-                        continue
-                    ScriptedHandler.rule_uses[key] = used + 1
-                    return rule[1]
+            # Whole-line rules before verb rules; a rule is used up after its count, never when it is -1.
+            for rule in [r for r in rules if r[0] == line] + [r for r in rules if r[0] == verb]:
+                key = "\t".join(rule)
+                used = ScriptedHandler.rule_uses.get(key, 0)
+                if 0 <= int(rule[2]) <= used:
+                    continue
+                ScriptedHandler.rule_uses[key] = used + 1
+                return rule[1]
             return None
 
         def pre_process_command(self, line, cmd, arg):
-            self._record(line)
-            verb = cmd
-            if cmd == "SITE" and arg:
-                verb = "SITE " + arg.split(" ")[0].upper()
+            with open(os.path.join(self.control, "record.log"), "a", encoding="utf-8", errors="surrogateescape") as f:
+                f.write(line + "\n")
+            verb = "SITE " + arg.split(" ")[0].upper() if cmd == "SITE" and arg else cmd
             reply = self._scripted_reply(line, verb)
             if reply is None:
                 return super().pre_process_command(line, cmd, arg)
@@ -59,13 +48,12 @@ def make_scripted(base):
                 self.respond(reply)
 
         def ftp_LIST(self, path):
-            name = self.fs.fs2ftp(path).encode("utf-8", "surrogateescape").hex()
-            try:
-                with open(self._control_file("lists", name), "rb") as f:
-                    self.push_dtp_data(f.read(), isproducer=False, cmd="LIST")
-                return path
-            except FileNotFoundError:
+            listing = os.path.join(self.control, "lists", self.fs.fs2ftp(path).lstrip("/"), ".listing")
+            if not os.path.exists(listing):
                 return super().ftp_LIST(path)
+            with open(listing, "rb") as f:
+                self.push_dtp_data(f.read(), isproducer=False, cmd="LIST")
+            return path
 
     return ScriptedHandler
 
@@ -101,7 +89,7 @@ def tls_context(cert, key):
 
 
 def main():
-    root, control, port_file, user, password, throttle, *tls = sys.argv[1:]
+    root, control, user, password, throttle, *tls = sys.argv[1:]
     authorizer = DummyAuthorizer()
     authorizer.add_user(user, password, root, perm="elradfmwMT")
     if tls:
@@ -120,6 +108,7 @@ def main():
 
     server = FTPServer(("127.0.0.1", 0), handler)
     server.max_cons = 64
+    port_file = os.path.join(control, "port")
     with open(port_file + ".tmp", "w") as f:
         f.write(str(server.socket.getsockname()[1]))
     os.rename(port_file + ".tmp", port_file)

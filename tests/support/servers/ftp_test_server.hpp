@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/servers/child_process.hpp"
+#include "support/temp_dir.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -27,7 +28,6 @@ struct FtpTestServerOptions {
 class FtpTestServer {
 public:
     explicit FtpTestServer(FtpTestServerOptions options = {});
-    ~FtpTestServer();
     FtpTestServer(FtpTestServer const&) = delete;
     FtpTestServer& operator=(FtpTestServer const&) = delete;
 
@@ -59,9 +59,8 @@ public:
 
 private:
     FtpTestServerOptions options_;
-    std::filesystem::path folder_;
+    TempDir folder_; // the server's control files, and its root
     std::filesystem::path root_;
-    std::filesystem::path control_;
     std::unique_ptr<ChildProcess> process_;
     int port_ = 0;
 };
