@@ -21,6 +21,8 @@ struct RecordedEvent {
     std::string path;
     std::uint64_t transferred = 0;
     std::uint64_t total = 0;
+
+    bool operator==(RecordedEvent const&) const = default;
 };
 
 // Collects a transfer's events through the callback it hands out.

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <sstream>
 
 namespace perchftp::test {
 
@@ -47,32 +48,18 @@ void HttpRecorder::answer(int connection)
     }
     Request request;
     std::string const head = received.substr(0, headEnd + 2);
-    std::size_t const lineEnd = head.find("\r\n");
-    std::string const requestLine = head.substr(0, lineEnd);
-    request.method = requestLine.substr(0, requestLine.find(' '));
-    request.path = requestLine.substr(request.method.size() + 1, requestLine.rfind(' ') - request.method.size() - 1);
-    request.headers = head.substr(lineEnd + 2);
+    std::istringstream(head) >> request.method >> request.path;
+    request.headers = head.substr(head.find("\r\n") + 2);
     std::size_t const lengthAt = head.find("Content-Length: ");
     std::size_t const bodyLength = lengthAt == std::string::npos ? 0 : std::stoul(head.substr(lengthAt + 16));
     while (received.size() < headEnd + 4 + bodyLength && readMore()) {
     }
     request.body = received.substr(headEnd + 4, bodyLength);
 
-    int status = 0;
-    {
-        std::lock_guard const lock(mutex_);
-        requests_.push_back(std::move(request));
-        status = status_;
-    }
-    std::string const body = status < 200 ? "" : "{\"accepted\":true}";
-    std::string reply = "HTTP/1.1 " + std::to_string(status) + " Status\r\nConnection: close\r\n";
-    if (status >= 300 && status < 400) {
-        reply += "Location: /redirected\r\n";
-    }
-    if (status >= 200) {
-        reply += "Content-Length: " + std::to_string(body.size()) + "\r\n";
-    }
-    reply += "\r\n" + body;
+    std::lock_guard const lock(mutex_);
+    requests_.push_back(std::move(request));
+    std::string const reply = "HTTP/1.1 " + std::to_string(status_) + " Status\r\nConnection: close\r\n"
+                              "Location: /redirected\r\nContent-Length: 17\r\n\r\n{\"accepted\":true}";
     (void)::send(connection, reply.data(), reply.size(), MSG_NOSIGNAL);
 }
 

@@ -9,9 +9,9 @@
 namespace perchftp::test {
 
 // A real HTTP server on 127.0.0.1, on a thread of the test process, that answers every request
-// with the status a test sets (200 until then) and records what it received. A 3xx answer
-// carries a Location header, so that a client that followed redirects would show as a second
-// request. Listens from construction to destruction.
+// with the status a test sets (200 until then) and records what it received. Every answer carries
+// a Location header, so that a client that followed a 3xx would show as a second request.
+// Listens from construction to destruction.
 class HttpRecorder {
 public:
     struct Request {

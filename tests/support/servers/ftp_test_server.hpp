@@ -16,8 +16,8 @@ struct FtpTestServerOptions {
     std::string password = "perch-secret";
     // TLS from the first byte, as libcurl's "ftps://" expects; needs both files (PEM).
     bool implicitTls = false;
-    std::filesystem::path certificateFile;
-    std::filesystem::path keyFile;
+    std::filesystem::path certificateFile{};
+    std::filesystem::path keyFile{};
     // Limits every data connection to this many bytes per second in each direction; 0 = no limit.
     std::uint64_t throttleBytesPerSecond = 0;
 };
