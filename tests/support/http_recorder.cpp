@@ -63,11 +63,6 @@ void HttpRecorder::answer(int connection)
     (void)::send(connection, reply.data(), reply.size(), MSG_NOSIGNAL);
 }
 
-std::string HttpRecorder::url(std::string const& path) const
-{
-    return "http://127.0.0.1:" + std::to_string(port_) + path;
-}
-
 void HttpRecorder::setStatus(int status)
 {
     std::lock_guard const lock(mutex_);

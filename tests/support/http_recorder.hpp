@@ -26,7 +26,7 @@ public:
     HttpRecorder(HttpRecorder const&) = delete;
     HttpRecorder& operator=(HttpRecorder const&) = delete;
 
-    std::string url(std::string const& path) const;
+    std::string url(std::string const& path) const { return "http://127.0.0.1:" + std::to_string(port_) + path; }
     void setStatus(int status);
     std::vector<Request> requests() const;
 

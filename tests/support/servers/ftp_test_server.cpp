@@ -23,11 +23,6 @@ FtpTestServer::FtpTestServer(FtpTestServerOptions options)
     port_ = std::stoi(readFile(folder_.file("port")));
 }
 
-std::filesystem::path FtpTestServer::local(std::string const& remotePath) const
-{
-    return root_ / std::filesystem::path(remotePath).relative_path();
-}
-
 void FtpTestServer::setListing(std::string const& folder, std::string const& body)
 {
     // At the folder's own path below "lists", where the server looks for it.
@@ -39,11 +34,6 @@ void FtpTestServer::setListing(std::string const& folder, std::string const& bod
 void FtpTestServer::setReply(std::string const& command, std::string const& reply, int times)
 {
     std::ofstream(folder_.file("replies.tsv"), std::ios::app) << command << '\t' << reply << '\t' << times << '\n';
-}
-
-void FtpTestServer::clearReplies()
-{
-    std::filesystem::remove(folder_.file("replies.tsv"));
 }
 
 std::vector<std::string> FtpTestServer::receivedCommands() const
@@ -64,16 +54,6 @@ std::vector<std::string> FtpTestServer::receivedCommands(std::vector<std::string
     std::vector<std::string> matching;
     std::ranges::copy_if(receivedCommands(), std::back_inserter(matching), hasVerb);
     return matching;
-}
-
-void FtpTestServer::clearReceivedCommands()
-{
-    std::filesystem::remove(folder_.file("record.log"));
-}
-
-void FtpTestServer::kill()
-{
-    process_->kill();
 }
 
 } // namespace perchftp::test

@@ -37,7 +37,10 @@ public:
     // The local folder that the server shows as "/".
     std::filesystem::path const& root() const { return root_; }
     // The local place of a remote path, e.g. local("/a/b.txt").
-    std::filesystem::path local(std::string const& remotePath) const;
+    std::filesystem::path local(std::string const& remotePath) const
+    {
+        return root_ / std::filesystem::path(remotePath).relative_path();
+    }
 
     // A LIST in `folder` ("/", "/a/b") answers with exactly these bytes.
     void setListing(std::string const& folder, std::string const& body);
@@ -46,16 +49,16 @@ public:
     // `times` times, or always when times is negative. Whole-line rules win over verb rules.
     // The replies "CLOSE" (drop the control connection) and "STALL" (never answer) act.
     void setReply(std::string const& command, std::string const& reply, int times = -1);
-    void clearReplies();
+    void clearReplies() { std::filesystem::remove(folder_.file("replies.tsv")); }
 
     // Every command line received since the start or the last clear, in order, as sent.
     std::vector<std::string> receivedCommands() const;
     // The same, only the lines that begin with one of the given verbs.
     std::vector<std::string> receivedCommands(std::vector<std::string> const& verbs) const;
-    void clearReceivedCommands();
+    void clearReceivedCommands() { std::filesystem::remove(folder_.file("record.log")); }
 
     // Ends the server at once, dropping every connection.
-    void kill();
+    void kill() { process_->kill(); }
 
 private:
     FtpTestServerOptions options_;
