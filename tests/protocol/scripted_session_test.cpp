@@ -207,36 +207,5 @@ TEST_F(ScriptedFtp, ListingsAndTransfersFailWithoutLosingWhatTheCallerHad)
     EXPECT_EQ(arrived, bytes.substr(0, arrived.size()));
 }
 
-TEST(FtpsSession, RefusesAnUntrustedCertificateAndAPlainServer)
-{
-    TestCertificates trusted;
-    TestCertificates stranger;
-    if (std::string const reason = trustInPrivateMountNamespace(trusted.authorityCertificate()); !reason.empty()) {
-        GTEST_SKIP() << "FTPS test skipped: it " << reason;
-    }
-    auto const implicitTls = [](TestCertificates const& certificates) {
-        return FtpTestServerOptions{.implicitTls = true,
-                                    .certificateFile = certificates.serverCertificate(),
-                                    .keyFile = certificates.serverKey()};
-    };
-    FtpTestServer strangerServer(implicitTls(stranger));
-    FtpTestServer trustedServer(implicitTls(trusted));
-    FtpTestServer plainServer;
-
-    auto session = makeSession("ftps");
-    SessionResult result = session->connect("127.0.0.1", strangerServer.port(), "perch", "perch-secret");
-    EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.message, "ftps connect: SSL peer certificate or SSH remote key was not OK");
-    EXPECT_FALSE(session->isConnected());
-    EXPECT_THAT(strangerServer.receivedCommands(), IsEmpty()) << "no credentials go to an untrusted server";
-
-    EXPECT_TRUE(session->connect("127.0.0.1", trustedServer.port(), "perch", "perch-secret").ok);
-
-    result = session->connect("127.0.0.1", plainServer.port(), "perch", "perch-secret");
-    EXPECT_EQ(result.code, 1);
-    EXPECT_THAT(result.message, StartsWith("ftps connect: "));
-    EXPECT_FALSE(session->isConnected());
-}
-
 } // namespace
 } // namespace perchftp::test

@@ -6,6 +6,7 @@
 
 #include "protocol/remote_tree.hpp"
 #include "support/servers/sshd_test_server.hpp"
+#include "support/servers/test_certificates.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -25,6 +26,7 @@ namespace {
 using protocol::RemoteEntry;
 using protocol::SessionResult;
 using testing::ElementsAre;
+using testing::StartsWith;
 
 // A running server as the walk sees it: how to log in, and where the user's folder is on the
 // wire and on this machine's disk.
@@ -84,7 +86,7 @@ public:
                << "chroot_local_user=YES\nallow_writeable_chroot=YES\nseccomp_sandbox=NO\n"
                << "secure_chroot_dir=" << (folder_ / "empty").string() << "\npam_service_name=vsftpd\n"
                << "pasv_enable=YES\npasv_address=127.0.0.1\ncheck_shell=NO\nuserlist_enable=NO\n"
-               << "xferlog_enable=NO\nvsftpd_log_file=" << (folder_ / "transfers.log").string() << "\n";
+               << "xferlog_enable=YES\nlog_ftp_protocol=YES\nvsftpd_log_file=" << log().string() << "\n";
         if (tls) {
             config << "ssl_enable=YES\nimplicit_ssl=YES\nrequire_ssl_reuse=YES\nforce_local_logins_ssl=YES\n"
                    << "force_local_data_ssl=YES\nssl_tlsv1=NO\nssl_sslv2=NO\nssl_sslv3=NO\n"
@@ -95,6 +97,7 @@ public:
         start({kVsftpd, (folder_ / "vsftpd.conf").string()});
     }
 
+    std::filesystem::path log() const { return folder_ / "commands.log"; } // every command line received
     std::unique_ptr<TestCertificates> const certificates;
 };
 
@@ -456,6 +459,35 @@ TEST_P(ServerWalk, EveryOperationDoesWhatItsProtocolPromises)
 INSTANTIATE_TEST_SUITE_P(Servers, ServerWalk,
                          testing::Values("Scripted", "Vsftpd", "VsftpdTls", "OpenSsh", "FromEnvironment"),
                          [](auto const& info) { return info.param; });
+
+// A certificate from an authority nobody trusts is refused before any credentials go out, and so is
+// a server without TLS.
+TEST(FtpsSession, RefusesAnUntrustedCertificateAndAPlainServer)
+{
+    if (std::string const reason = DaemonTestServer::whyUnavailable(kVsftpd, "vsftpd"); !reason.empty()) {
+        GTEST_SKIP() << "Skipped: it " << reason;
+    }
+    VsftpdTestServer trusted(true);
+    VsftpdTestServer stranger(true);
+    if (std::string const reason = trustInPrivateMountNamespace(trusted.certificates->authorityCertificate());
+        !reason.empty()) {
+        GTEST_SKIP() << "Skipped: it " << reason;
+    }
+    FtpTestServer plain;
+    auto session = makeSession("ftps");
+    SessionResult result = session->connect("127.0.0.1", stranger.port(), stranger.user(), stranger.password());
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.message, "ftps connect: SSL peer certificate or SSH remote key was not OK");
+    EXPECT_FALSE(session->isConnected());
+    EXPECT_TRUE(session->connect("127.0.0.1", trusted.port(), trusted.user(), trusted.password()).ok);
+    EXPECT_NE(readFile(trusted.log()).find("\"USER "), std::string::npos);
+    EXPECT_EQ(readFile(stranger.log()).find("\"USER "), std::string::npos) << "no credentials go to an untrusted server";
+
+    result = session->connect("127.0.0.1", plain.port(), plain.user(), plain.password());
+    EXPECT_EQ(result.code, 1);
+    EXPECT_THAT(result.message, StartsWith("ftps connect: "));
+    EXPECT_FALSE(session->isConnected());
+}
 
 // Implicit TLS with require_ssl_reuse: every data connection must resume the control
 // connection's TLS session, which is where other libcurl clients lose transfers.

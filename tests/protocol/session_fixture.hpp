@@ -2,7 +2,6 @@
 
 #include "protocol/protocol_factory.hpp"
 #include "support/servers/ftp_test_server.hpp"
-#include "support/servers/test_certificates.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gmock/gmock.h>

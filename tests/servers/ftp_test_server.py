@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""A scriptable FTP server for the tests, plain or with implicit TLS.
+"""A scriptable FTP server for the tests.
 
-Usage: ftp_test_server.py ROOT CONTROL USER PASSWORD THROTTLE [CERT KEY]
+Usage: ftp_test_server.py ROOT CONTROL USER PASSWORD THROTTLE
 CONTROL receives the file "port" once the server listens, and holds the listings, scripted
 replies and command record that tests/support/servers/ftp_test_server.cpp writes and reads.
 """
@@ -10,7 +10,7 @@ import os
 import sys
 
 from pyftpdlib.authorizers import DummyAuthorizer
-from pyftpdlib.handlers import FTPHandler, ThrottledDTPHandler, TLS_FTPHandler, TLS_DTPHandler
+from pyftpdlib.handlers import FTPHandler, ThrottledDTPHandler
 from pyftpdlib.servers import FTPServer
 
 
@@ -58,49 +58,14 @@ def make_scripted(base):
     return ScriptedHandler
 
 
-class ImplicitTlsMixin:
-    """Speaks TLS from the first byte: the handshake comes before the greeting."""
-
-    def __init__(self, conn, server, ioloop=None):
-        super().__init__(conn, server, ioloop)
-        if self.connected:
-            self.secure_connection(self.ssl_context)
-
-
-class EarlyHandshakeTlsDTPHandler(TLS_DTPHandler):
-    """libcurl starts the TLS handshake as soon as the data connection opens, before the command
-    that uses it; pyftpdlib would take those early bytes for a client gone away and close."""
-
-    def readable(self):
-        if not self._initialized:
-            return self._ssl_accepting or self.receive
-        return super().readable()
-
-
-def tls_context(cert, key):
-    from OpenSSL import SSL
-    context = SSL.Context(SSL.TLS_SERVER_METHOD)
-    context.use_certificate_chain_file(cert)
-    context.use_privatekey_file(key)
-    # libcurl resumes the control connection's TLS session on every data connection; without a
-    # session id context OpenSSL refuses the resumption and the data handshake fails.
-    context.set_session_id(b"perchftp-test-server")
-    return context
-
-
 def main():
-    root, control, user, password, throttle, *tls = sys.argv[1:]
+    root, control, user, password, throttle = sys.argv[1:]
     authorizer = DummyAuthorizer()
     authorizer.add_user(user, password, root, perm="elradfmwMT")
-    if tls:
-        handler = type("ImplicitTlsHandler", (ImplicitTlsMixin, make_scripted(TLS_FTPHandler)), {})
-        handler.ssl_context = tls_context(*tls)
-        handler.dtp_handler = EarlyHandshakeTlsDTPHandler
-    else:
-        handler = make_scripted(FTPHandler)
+    handler = make_scripted(FTPHandler)
     if int(throttle):
-        base = (EarlyHandshakeTlsDTPHandler, ThrottledDTPHandler) if tls else (ThrottledDTPHandler,)
-        handler.dtp_handler = type("Throttled", base, {"read_limit": int(throttle), "write_limit": int(throttle)})
+        limits = {"read_limit": int(throttle), "write_limit": int(throttle)}
+        handler.dtp_handler = type("Throttled", (ThrottledDTPHandler,), limits)
     handler.control = control
     handler.authorizer = authorizer
     handler.permit_foreign_addresses = False

@@ -11,13 +11,11 @@ FtpTestServer::FtpTestServer(FtpTestServerOptions options)
     , root_(folder_.path() / "root")
 {
     std::filesystem::create_directories(root_);
-    std::vector<std::string> argv = {"/usr/bin/python3", PERCHFTP_TEST_SERVERS_DIR "/ftp_test_server.py",
-                                     root_.string(), folder_.path().string(), options_.user, options_.password,
-                                     std::to_string(options_.throttleBytesPerSecond)};
-    if (options_.implicitTls) {
-        argv.insert(argv.end(), {options_.certificateFile.string(), options_.keyFile.string()});
-    }
-    process_ = std::make_unique<ChildProcess>(argv, folder_.file("server.log"));
+    process_ = std::make_unique<ChildProcess>(
+        std::vector<std::string>{"/usr/bin/python3", PERCHFTP_TEST_SERVERS_DIR "/ftp_test_server.py", root_.string(),
+                                 folder_.path().string(), options_.user, options_.password,
+                                 std::to_string(options_.throttleBytesPerSecond)},
+        folder_.file("server.log"));
     waitUntil(*process_, folder_.file("server.log"), "the FTP test server",
               [this] { return std::filesystem::exists(folder_.file("port")); });
     port_ = std::stoi(readFile(folder_.file("port")));

@@ -14,10 +14,6 @@ namespace perchftp::test {
 struct FtpTestServerOptions {
     std::string user = "perch";
     std::string password = "perch-secret";
-    // TLS from the first byte, as libcurl's "ftps://" expects; needs both files (PEM).
-    bool implicitTls = false;
-    std::filesystem::path certificateFile{};
-    std::filesystem::path keyFile{};
     // Limits every data connection to this many bytes per second in each direction; 0 = no limit.
     std::uint64_t throttleBytesPerSecond = 0;
 };
