@@ -101,26 +101,6 @@ public:
     std::unique_ptr<TestCertificates> const certificates;
 };
 
-// "label|protocol|port|user|password|base|disk", as scripts/server-table writes it.
-std::string fromEnvironment(std::unique_ptr<WalkServer>& server)
-{
-    char const* description = std::getenv("PERCHFTP_WALK_SERVER");
-    if (!description || !*description) {
-        return "runs only for a server that scripts/server-table --unpacked started";
-    }
-    std::vector<std::string> fields;
-    std::stringstream stream(description);
-    for (std::string field; std::getline(stream, field, '|');) {
-        fields.push_back(field);
-    }
-    if (fields.size() != 7) {
-        return "needs PERCHFTP_WALK_SERVER as label|protocol|port|user|password|base|disk";
-    }
-    server.reset(new WalkServer{fields[0], fields[1], std::stoi(fields[2]), fields[3], fields[4], fields[5],
-                                fields[6], nullptr});
-    return {};
-}
-
 // Starts a server of that kind into `server`; empty on success, otherwise why it can't run here.
 std::string startWalkServer(std::string const& kind, std::unique_ptr<WalkServer>& server)
 {
@@ -140,7 +120,21 @@ std::string startWalkServer(std::string const& kind, std::unique_ptr<WalkServer>
         auto running = std::make_shared<SshdTestServer>();
         walkOn(running, "OpenSSH", "sftp", running->home().string() + "/", running->home());
     } else if (kind == "FromEnvironment") {
-        return fromEnvironment(server);
+        // "label|protocol|port|user|password|base|disk", as scripts/server-table writes it.
+        char const* description = std::getenv("PERCHFTP_WALK_SERVER");
+        if (!description || !*description) {
+            return "runs only for a server that scripts/server-table --unpacked started";
+        }
+        std::vector<std::string> fields;
+        std::stringstream stream(description);
+        for (std::string field; std::getline(stream, field, '|');) {
+            fields.push_back(field);
+        }
+        if (fields.size() != 7) {
+            return "needs PERCHFTP_WALK_SERVER as label|protocol|port|user|password|base|disk";
+        }
+        server.reset(new WalkServer{fields[0], fields[1], std::stoi(fields[2]), fields[3], fields[4], fields[5],
+                                    fields[6], nullptr});
     } else {
         if (std::string const reason = DaemonTestServer::whyUnavailable(kVsftpd, "vsftpd"); !reason.empty()) {
             return reason;
@@ -461,8 +455,9 @@ INSTANTIATE_TEST_SUITE_P(Servers, ServerWalk,
                          [](auto const& info) { return info.param; });
 
 // A certificate from an authority nobody trusts is refused before any credentials go out, and so is
-// a server without TLS.
-TEST(FtpsSession, RefusesAnUntrustedCertificateAndAPlainServer)
+// a server without TLS. Over implicit TLS with require_ssl_reuse, every data connection must resume
+// the control connection's TLS session, which is where other libcurl clients lose transfers.
+TEST(VsftpdTls, RefusesStrangersAndPlainServersAndCarriesFiftyFilesEachWayIntact)
 {
     if (std::string const reason = DaemonTestServer::whyUnavailable(kVsftpd, "vsftpd"); !reason.empty()) {
         GTEST_SKIP() << "Skipped: it " << reason;
@@ -473,47 +468,36 @@ TEST(FtpsSession, RefusesAnUntrustedCertificateAndAPlainServer)
         !reason.empty()) {
         GTEST_SKIP() << "Skipped: it " << reason;
     }
-    FtpTestServer plain;
     auto session = makeSession("ftps");
     SessionResult result = session->connect("127.0.0.1", stranger.port(), stranger.user(), stranger.password());
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.message, "ftps connect: SSL peer certificate or SSH remote key was not OK");
     EXPECT_FALSE(session->isConnected());
-    EXPECT_TRUE(session->connect("127.0.0.1", trusted.port(), trusted.user(), trusted.password()).ok);
+    ASSERT_TRUE(session->connect("127.0.0.1", trusted.port(), trusted.user(), trusted.password()).ok);
     EXPECT_NE(readFile(trusted.log()).find("\"USER "), std::string::npos);
     EXPECT_EQ(readFile(stranger.log()).find("\"USER "), std::string::npos) << "no credentials go to an untrusted server";
 
-    result = session->connect("127.0.0.1", plain.port(), plain.user(), plain.password());
-    EXPECT_EQ(result.code, 1);
-    EXPECT_THAT(result.message, StartsWith("ftps connect: "));
-    EXPECT_FALSE(session->isConnected());
-}
-
-// Implicit TLS with require_ssl_reuse: every data connection must resume the control
-// connection's TLS session, which is where other libcurl clients lose transfers.
-TEST(VsftpdTls, FiftyUploadsAndFiftyDownloadsInARowArriveIntact)
-{
-    std::unique_ptr<WalkServer> server;
-    if (std::string const reason = startWalkServer("VsftpdTls", server); !reason.empty()) {
-        GTEST_SKIP() << "Skipped: it " << reason;
-    }
-    auto session = makeSession("ftps");
-    ASSERT_TRUE(session->connect("127.0.0.1", server->port, server->user, server->password).ok);
     TempDir local;
     auto const payload = [](int index) { return patternedBytes(64 * 1024 + 4099 * index).substr(index); };
     for (int index = 0; index < 50; ++index) {
         std::string const name = "f" + std::to_string(index) + ".bin";
         writeFile(local.file(name), payload(index));
-        SessionResult const result = session->upload({local.file(name), "/" + name, false}, {});
+        result = session->upload({local.file(name), "/" + name, false}, {});
         ASSERT_TRUE(result.ok) << index << ": " << result.message;
-        EXPECT_EQ(readFile(server->disk / name), payload(index)) << index;
+        EXPECT_EQ(readFile(trusted.home() / name), payload(index)) << index;
     }
     for (int index = 0; index < 50; ++index) {
         std::string const name = "f" + std::to_string(index) + ".bin";
-        SessionResult const result = session->download({local.file("back-" + name), "/" + name, false}, {});
+        result = session->download({local.file("back-" + name), "/" + name, false}, {});
         ASSERT_TRUE(result.ok) << index << ": " << result.message;
         EXPECT_EQ(readFile(local.file("back-" + name)), payload(index)) << index;
     }
+
+    FtpTestServer plain;
+    result = session->connect("127.0.0.1", plain.port(), plain.user(), plain.password());
+    EXPECT_EQ(result.code, 1);
+    EXPECT_THAT(result.message, StartsWith("ftps connect: "));
+    EXPECT_FALSE(session->isConnected());
 }
 
 } // namespace

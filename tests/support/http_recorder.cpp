@@ -5,7 +5,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <sstream>
 
 namespace perchftp::test {
@@ -73,24 +72,6 @@ std::vector<HttpRecorder::Request> HttpRecorder::requests() const
 {
     std::lock_guard const lock(mutex_);
     return requests_;
-}
-
-NoProxyEnvironment::NoProxyEnvironment()
-{
-    for (auto const* name : {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
-                             "no_proxy", "NO_PROXY"}) {
-        if (char const* value = std::getenv(name)) {
-            saved_.emplace_back(name, value);
-            ::unsetenv(name);
-        }
-    }
-}
-
-NoProxyEnvironment::~NoProxyEnvironment()
-{
-    for (auto const& [name, value] : saved_) {
-        ::setenv(name.c_str(), value.c_str(), 1);
-    }
 }
 
 } // namespace perchftp::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdlib>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -46,8 +47,22 @@ private:
 // to the server; restores them afterwards.
 class NoProxyEnvironment {
 public:
-    NoProxyEnvironment();
-    ~NoProxyEnvironment();
+    NoProxyEnvironment()
+    {
+        for (char const* name : {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
+                                 "no_proxy", "NO_PROXY"}) {
+            if (char const* value = std::getenv(name)) {
+                saved_.emplace_back(name, value);
+                ::unsetenv(name);
+            }
+        }
+    }
+    ~NoProxyEnvironment()
+    {
+        for (auto const& [name, value] : saved_) {
+            ::setenv(name.c_str(), value.c_str(), 1);
+        }
+    }
     NoProxyEnvironment(NoProxyEnvironment const&) = delete;
     NoProxyEnvironment& operator=(NoProxyEnvironment const&) = delete;
 
