@@ -4,7 +4,6 @@
 
 #include "support/servers/child_process.hpp"
 
-#include <functional>
 #include <tuple>
 
 namespace perchftp::test {
@@ -38,63 +37,52 @@ protected:
     TempDir local;
 };
 
-// One command against the server as the earlier rows left it; `replies` are whole lines or verbs
-// answered instead of carried out (see FtpTestServer::setReply). A row with a `login` reply first
-// connects again while PWD gives that answer: the login folder the session believes in.
-struct LadderRow {
-    char const* what;
-    std::vector<std::tuple<std::string, std::string, int>> replies;
-    std::function<SessionResult(IRemoteSession&)> run;
-    std::string failure; // empty when it works
-    std::vector<std::string> wire;
-    std::string login{};
-};
-
 TEST_F(ScriptedFtp, RemoteCommandsClimbTheirLaddersOnTheWire)
 {
     for (char const* file : {"/a3/x", "/x", "/my file", "/c15.txt", "/d16"}) {
         put(file);
     }
     std::filesystem::create_directories(server.local("/a17"));
-    std::string const refused = "550 Refused by the test.";
-    std::string const quoteFailed = "ftp operation failed: Quote command returned error";
-    std::vector<LadderRow> const rows{
-        // The bare names would rename "/x" in the login folder; those rungs are never sent. A rung
-        // equal to the one before it is sent again.
-        {"a rename climbs to the absolute path", {{"RNFR a3/x", refused, -1}, {"RNFR /a3/x", refused, 1}},
-         [](IRemoteSession& s) { return s.rename("/a3/x", "/a3/y"); }, "",
-         {"RNFR a3/x", "RNFR a3/x", "RNFR /a3/x", "RNFR /a3/x", "RNTO /a3/y"}},
-        {"the first rung's failure is reported when all fail", {{"RNFR", refused, -1}, {"RNFR /gone", "CLOSE", -1}},
-         [](IRemoteSession& s) { return s.rename("/gone", "/still-gone"); }, quoteFailed,
-         {"RNFR gone", "RNFR gone", "RNFR gone", "RNFR /gone", "RNFR /gone"}},
-        {"names with blanks and dots go as they stand", {},
-         [](IRemoteSession& s) { return s.rename("/my file", "/a17/../their file"); }, "",
-         {"RNFR my file", "RNTO their file"}},
-        {"a login folder elsewhere leaves only the absolute rungs", {},
-         [](IRemoteSession& s) { return s.remove("/c15.txt"); }, "", {"DELE /c15.txt"},
-         "257 \"/home\" is the current directory."},
-        {"an unknown login folder leaves only the absolute rungs", {},
-         [](IRemoteSession& s) { return s.rename("/d16", "/e16"); }, "", {"RNFR /d16", "RNTO /e16"},
-         "550 Not telling."},
-    };
-    for (LadderRow const& row : rows) {
-        SCOPED_TRACE(row.what);
-        server.clearReplies();
-        if (!row.login.empty()) {
-            server.setReply("PWD", row.login);
-            ASSERT_TRUE(connect(server.password()).ok);
-            server.clearReplies();
-        }
-        for (auto const& [command, reply, times] : row.replies) {
-            server.setReply(command, reply, times);
-        }
+    // The commands that act which the last operation sent; the server's scripted replies end with it.
+    auto const sent = [this] {
+        std::vector<std::string> const lines = server.receivedCommands({"RNFR", "RNTO", "DELE", "RMD", "MKD"});
         server.clearReceivedCommands();
-        SessionResult const result = row.run(*session);
-        EXPECT_EQ(result.code, row.failure.empty() ? 0 : 1);
-        EXPECT_EQ(result.message, row.failure.empty() ? "ftp operation" : row.failure);
-        EXPECT_EQ(server.receivedCommands({"RNFR", "RNTO", "DELE", "RMD", "MKD", "SITE"}), row.wire);
-        EXPECT_TRUE(session->isConnected());
-    }
+        server.clearReplies();
+        return lines;
+    };
+    using Lines = std::vector<std::string>;
+
+    // The bare names would rename "/x" in the login folder; those rungs are never sent. A rung equal
+    // to the one before it is sent again.
+    server.setReply("RNFR a3/x", "550 Refused.");
+    server.setReply("RNFR /a3/x", "550 Refused.", 1);
+    EXPECT_TRUE(session->rename("/a3/x", "/a3/y").ok);
+    EXPECT_EQ(sent(), (Lines{"RNFR a3/x", "RNFR a3/x", "RNFR /a3/x", "RNFR /a3/x", "RNTO /a3/y"}));
+
+    // When every rung fails, the first one's failure is reported.
+    server.setReply("RNFR", "550 Refused.");
+    server.setReply("RNFR /gone", "CLOSE");
+    SessionResult const result = session->rename("/gone", "/still-gone");
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.message, "ftp operation failed: Quote command returned error");
+    EXPECT_EQ(sent(), (Lines{"RNFR gone", "RNFR gone", "RNFR gone", "RNFR /gone", "RNFR /gone"}));
+    EXPECT_TRUE(session->isConnected());
+
+    EXPECT_TRUE(session->rename("/my file", "/a17/../their file").ok) << "blanks and dots go as they stand";
+    EXPECT_EQ(sent(), (Lines{"RNFR my file", "RNTO their file"}));
+
+    // A login folder elsewhere, or one the server won't tell, leaves only the absolute rungs.
+    server.setReply("PWD", "257 \"/home\" is the current directory.");
+    ASSERT_TRUE(connect(server.password()).ok);
+    sent();
+    EXPECT_TRUE(session->remove("/c15.txt").ok);
+    EXPECT_EQ(sent(), (Lines{"DELE /c15.txt"}));
+    server.setReply("PWD", "550 Not telling.");
+    ASSERT_TRUE(connect(server.password()).ok);
+    sent();
+    EXPECT_TRUE(session->rename("/d16", "/e16").ok);
+    EXPECT_EQ(sent(), (Lines{"RNFR /d16", "RNTO /e16"}));
+
     for (char const* kept : {"/a3/y", "/x", "/their file"}) {
         EXPECT_TRUE(std::filesystem::exists(server.local(kept))) << kept;
     }
