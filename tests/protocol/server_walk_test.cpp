@@ -159,7 +159,7 @@ constexpr std::size_t kFiveMegabytes = 5u * 1024 * 1024;
 struct Walk {
     WalkServer const& server;
     protocol::IRemoteSession& session;
-    TempDir& local;
+    TempDir local;
     std::string file = "walk/five.bin"; // where the uploaded file is now, below the user's folder
 
     std::string remote(std::string const& relative) const { return server.base + relative; }
@@ -322,7 +322,8 @@ struct WalkStep {
     std::vector<std::string> wire; // what the scripted server receives of kWireVerbs
 };
 
-std::vector<std::string> const kWireVerbs = {"CWD", "LIST", "STOR", "RETR", "MKD", "RNFR", "RNTO", "SITE", "DELE", "RMD"};
+std::vector<std::string> const kWireVerbs = {"CWD",  "LIST", "STOR", "RETR", "MKD",
+                                             "RNFR", "RNTO", "SITE", "DELE", "RMD"};
 
 std::vector<WalkStep> walkSteps()
 {
@@ -427,8 +428,7 @@ TEST_P(ServerWalk, EveryOperationDoesWhatItsProtocolPromises)
     }
     server->makeFile("outside.txt");
     auto session = makeSession(server->protocol.c_str());
-    TempDir local;
-    Walk walk{*server, *session, local};
+    Walk walk{*server, *session, {}};
     for (WalkStep const& step : walkSteps()) {
         SCOPED_TRACE(step.operation);
         if (server->scripted) {
@@ -475,7 +475,8 @@ TEST(VsftpdTls, RefusesStrangersAndPlainServersAndCarriesFiftyFilesEachWayIntact
     EXPECT_FALSE(session->isConnected());
     ASSERT_TRUE(session->connect("127.0.0.1", trusted.port(), trusted.user(), trusted.password()).ok);
     EXPECT_NE(readFile(trusted.log()).find("\"USER "), std::string::npos);
-    EXPECT_EQ(readFile(stranger.log()).find("\"USER "), std::string::npos) << "no credentials go to an untrusted server";
+    EXPECT_EQ(readFile(stranger.log()).find("\"USER "), std::string::npos)
+        << "no credentials go to an untrusted server";
 
     TempDir local;
     auto const payload = [](int index) { return patternedBytes(64 * 1024 + 4099 * index).substr(index); };

@@ -148,10 +148,6 @@ std::vector<ListingCase> const kCases = {
     {"a bare name starting with total is lost", "totals.csv\nreadme.md\n", {"readme.md|0|0||"}},
     // Bytes
     {"an empty reply has no entries", "", {}},
-    {"a lone cr does not end a line", "a\rb\n", {"a\rb|0|0||"}},
-    {"a tab is no blank: the whole line is the name", "-rw-r--r--\t1\tme\tx\n", {"-rw-r--r--\t1\tme\tx|0|0||"}},
-    {"tabs still split tokens once a blank is present", "-rw-r--r--\t1\tme\tstaff\t77 Jan\t5\t10:30\tt.txt\n",
-     {"t.txt|0|77|-rw-r--r--|Jan 5 10:30"}},
 };
 
 TEST(ListingParser, TurnsRepliesIntoTheseEntriesInTheServersOrder)

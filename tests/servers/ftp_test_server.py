@@ -68,11 +68,9 @@ def main():
         handler.dtp_handler = type("Throttled", (ThrottledDTPHandler,), limits)
     handler.control = control
     handler.authorizer = authorizer
-    handler.permit_foreign_addresses = False
     handler.banner = "PerchFtp test server ready."
 
     server = FTPServer(("127.0.0.1", 0), handler)
-    server.max_cons = 64
     port_file = os.path.join(control, "port")
     with open(port_file + ".tmp", "w") as f:
         f.write(str(server.socket.getsockname()[1]))

@@ -11,23 +11,20 @@ namespace perchftp::test {
 
 HttpRecorder::HttpRecorder()
     : socket_(listenOnLoopback(port_))
-    , thread_([this] { serve(); })
+    , thread_([this] {
+        for (int connection; (connection = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
+            answer(connection);
+            ::close(connection);
+        }
+    })
 {
 }
 
 HttpRecorder::~HttpRecorder()
 {
-    ::shutdown(socket_, SHUT_RDWR); // ends the accept of serve()
+    ::shutdown(socket_, SHUT_RDWR); // ends the accept loop
     thread_.join();
     ::close(socket_);
-}
-
-void HttpRecorder::serve()
-{
-    for (int connection; (connection = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
-        answer(connection);
-        ::close(connection);
-    }
 }
 
 void HttpRecorder::answer(int connection)
@@ -60,18 +57,6 @@ void HttpRecorder::answer(int connection)
     std::string const reply = "HTTP/1.1 " + std::to_string(status_) + " Status\r\nConnection: close\r\n"
                               "Location: /redirected\r\nContent-Length: 17\r\n\r\n{\"accepted\":true}";
     (void)::send(connection, reply.data(), reply.size(), MSG_NOSIGNAL);
-}
-
-void HttpRecorder::setStatus(int status)
-{
-    std::lock_guard const lock(mutex_);
-    status_ = status;
-}
-
-std::vector<HttpRecorder::Request> HttpRecorder::requests() const
-{
-    std::lock_guard const lock(mutex_);
-    return requests_;
 }
 
 } // namespace perchftp::test

@@ -28,11 +28,18 @@ public:
     HttpRecorder& operator=(HttpRecorder const&) = delete;
 
     std::string url(std::string const& path) const { return "http://127.0.0.1:" + std::to_string(port_) + path; }
-    void setStatus(int status);
-    std::vector<Request> requests() const;
+    void setStatus(int status)
+    {
+        std::lock_guard const lock(mutex_);
+        status_ = status;
+    }
+    std::vector<Request> requests() const
+    {
+        std::lock_guard const lock(mutex_);
+        return requests_;
+    }
 
 private:
-    void serve();
     void answer(int connection);
 
     int port_ = 0; // set while socket_ is made

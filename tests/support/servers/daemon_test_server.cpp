@@ -50,11 +50,6 @@ DaemonTestServer::DaemonTestServer(std::string const& name, std::string const& u
     }
 }
 
-DaemonTestServer::~DaemonTestServer()
-{
-    stop();
-}
-
 void DaemonTestServer::stop()
 {
     process_.reset();
