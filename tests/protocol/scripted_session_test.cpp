@@ -4,7 +4,6 @@
 
 #include "support/servers/child_process.hpp"
 
-
 namespace perchftp::test {
 namespace {
 
@@ -18,12 +17,12 @@ class ScriptedFtp : public testing::Test {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(connect(server.password()).ok);
+        ASSERT_TRUE(connect().ok);
         server.clearReceivedCommands();
     }
-    SessionResult connect(std::string const& password)
+    SessionResult connect()
     {
-        return session->connect("127.0.0.1", server.port(), server.user(), password);
+        return session->connect("127.0.0.1", server.port(), server.user(), server.password());
     }
     void put(std::string const& remotePath, std::string const& bytes = "x")
     {
@@ -42,7 +41,7 @@ TEST_F(ScriptedFtp, RemoteCommandsClimbTheirLaddersOnTheWire)
         put(file);
     }
     std::filesystem::create_directories(server.local("/a17"));
-    // The commands that act which the last operation sent; the server's scripted replies end with it.
+    // What the last operation sent of the commands that act; its scripted replies end with it.
     auto const sent = [this] {
         std::vector<std::string> const lines = server.receivedCommands({"RNFR", "RNTO", "DELE", "RMD", "MKD"});
         server.clearReceivedCommands();
@@ -72,12 +71,12 @@ TEST_F(ScriptedFtp, RemoteCommandsClimbTheirLaddersOnTheWire)
 
     // A login folder elsewhere, or one the server won't tell, leaves only the absolute rungs.
     server.setReply("PWD", "257 \"/home\" is the current directory.");
-    ASSERT_TRUE(connect(server.password()).ok);
+    ASSERT_TRUE(connect().ok);
     sent();
     EXPECT_TRUE(session->remove("/c15.txt").ok);
     EXPECT_EQ(sent(), (Lines{"DELE /c15.txt"}));
     server.setReply("PWD", "550 Not telling.");
-    ASSERT_TRUE(connect(server.password()).ok);
+    ASSERT_TRUE(connect().ok);
     sent();
     EXPECT_TRUE(session->rename("/d16", "/e16").ok);
     EXPECT_EQ(sent(), (Lines{"RNFR /d16", "RNTO /e16"}));
@@ -163,7 +162,7 @@ TEST_F(ScriptedFtp, ListingsAndTransfersFailWithoutLosingWhatTheCallerHad)
     EXPECT_FALSE(session->isConnected());
 
     // A server that dies mid-download leaves what arrived, in order, and a failed transfer.
-    ASSERT_TRUE(connect(server.password()).ok);
+    ASSERT_TRUE(connect().ok);
     std::string const bytes = patternedBytes(10u * 1024 * 1024);
     put("/big.bin", bytes);
     TransferEventType last{};

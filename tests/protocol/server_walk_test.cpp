@@ -95,7 +95,7 @@ public:
         start({kVsftpd, (folder_ / "vsftpd.conf").string()});
     }
 
-    std::filesystem::path log() const { return folder_ / "commands.log"; } // every command line received
+    std::filesystem::path log() const { return folder_ / "commands.log"; } // every command and reply
     std::unique_ptr<TestCertificates> const certificates;
 };
 
