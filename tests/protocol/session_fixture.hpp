@@ -2,7 +2,6 @@
 
 #include "protocol/protocol_factory.hpp"
 #include "support/servers/ftp_test_server.hpp"
-#include "support/servers/test_certificates.hpp"
 #include "support/temp_dir.hpp"
 
 #include <gmock/gmock.h>
@@ -21,6 +20,8 @@ struct RecordedEvent {
     std::string path;
     std::uint64_t transferred = 0;
     std::uint64_t total = 0;
+
+    bool operator==(RecordedEvent const&) const = default;
 };
 
 // Collects a transfer's events through the callback it hands out.
@@ -60,16 +61,6 @@ inline std::string patternedBytes(std::size_t size)
         bytes[i] = static_cast<char>(i % 251);
     }
     return bytes;
-}
-
-// Server options for implicit TLS with the given certificates.
-inline FtpTestServerOptions implicitTls(TestCertificates const& certificates)
-{
-    FtpTestServerOptions options;
-    options.implicitTls = true;
-    options.certificateFile = certificates.serverCertificate();
-    options.keyFile = certificates.serverKey();
-    return options;
 }
 
 } // namespace perchftp::test

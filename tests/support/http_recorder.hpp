@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdlib>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -9,9 +10,9 @@
 namespace perchftp::test {
 
 // A real HTTP server on 127.0.0.1, on a thread of the test process, that answers every request
-// with the status a test sets (200 until then) and records what it received. A 3xx answer
-// carries a Location header, so that a client that followed redirects would show as a second
-// request. Listens from construction to destruction.
+// with the status a test sets (200 until then) and records what it received. Every answer carries
+// a Location header, so that a client that followed a 3xx would show as a second request.
+// Listens from construction to destruction.
 class HttpRecorder {
 public:
     struct Request {
@@ -26,12 +27,19 @@ public:
     HttpRecorder(HttpRecorder const&) = delete;
     HttpRecorder& operator=(HttpRecorder const&) = delete;
 
-    std::string url(std::string const& path) const;
-    void setStatus(int status);
-    std::vector<Request> requests() const;
+    std::string url(std::string const& path) const { return "http://127.0.0.1:" + std::to_string(port_) + path; }
+    void setStatus(int status)
+    {
+        std::lock_guard const lock(mutex_);
+        status_ = status;
+    }
+    std::vector<Request> requests() const
+    {
+        std::lock_guard const lock(mutex_);
+        return requests_;
+    }
 
 private:
-    void serve();
     void answer(int connection);
 
     int port_ = 0; // set while socket_ is made
@@ -46,8 +54,22 @@ private:
 // to the server; restores them afterwards.
 class NoProxyEnvironment {
 public:
-    NoProxyEnvironment();
-    ~NoProxyEnvironment();
+    NoProxyEnvironment()
+    {
+        for (char const* name : {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
+                                 "no_proxy", "NO_PROXY"}) {
+            if (char const* value = std::getenv(name)) {
+                saved_.emplace_back(name, value);
+                ::unsetenv(name);
+            }
+        }
+    }
+    ~NoProxyEnvironment()
+    {
+        for (auto const& [name, value] : saved_) {
+            ::setenv(name.c_str(), value.c_str(), 1);
+        }
+    }
     NoProxyEnvironment(NoProxyEnvironment const&) = delete;
     NoProxyEnvironment& operator=(NoProxyEnvironment const&) = delete;
 

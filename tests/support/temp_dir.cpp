@@ -3,6 +3,7 @@
 #include "support/servers/child_process.hpp"
 
 #include <fstream>
+#include <iterator>
 
 namespace perchftp::test {
 
@@ -19,7 +20,8 @@ TempDir::~TempDir()
 
 std::string readFile(std::filesystem::path const& path)
 {
-    return readBytes(path);
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 void writeFile(std::filesystem::path const& path, std::string const& bytes)

@@ -20,6 +20,7 @@ private:
     std::filesystem::path path_;
 };
 
+// The bytes of a file; empty when it can't be read.
 std::string readFile(std::filesystem::path const& path);
 void writeFile(std::filesystem::path const& path, std::string const& bytes);
 

@@ -15,12 +15,6 @@ inline constexpr QRgb kWestonDesktop = 0x00ff00u;
 inline constexpr int kWestonWidth = 1920;
 inline constexpr int kWestonHeight = 1200;
 
-// True when the test runs on that weston.
-inline bool onTestWeston()
-{
-    return std::getenv("PERCHFTP_WESTON_RUNTIME") != nullptr;
-}
-
 // The smallest rectangle of a picture of that weston holding every pixel that is not the desktop.
 inline QRect westonContent(QImage const& shot)
 {

@@ -4,8 +4,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <iterator>
 #include <netinet/in.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
@@ -132,12 +130,6 @@ std::filesystem::path makeScratchFolder(std::string const& prefix)
         throw std::runtime_error("mkdtemp failed");
     }
     return pattern;
-}
-
-std::string readBytes(std::filesystem::path const& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 } // namespace perchftp::test

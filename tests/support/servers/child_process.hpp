@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/temp_dir.hpp"
+
 #include <chrono>
 #include <filesystem>
 #include <stdexcept>
@@ -42,15 +44,13 @@ bool acceptsConnections(int port);
 bool runCommand(std::string const& commandLine);
 // A fresh folder under the system's temporary folder, private to its maker.
 std::filesystem::path makeScratchFolder(std::string const& prefix);
-// The bytes of a file; empty when it can't be read.
-std::string readBytes(std::filesystem::path const& path);
 // Waits up to 20 seconds for `ready`; throws with `what` and the log when the child ends first.
 void waitUntil(ChildProcess& child, std::filesystem::path const& log, char const* what, auto const& ready)
 {
     auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (!ready()) {
         if (!child.running() || std::chrono::steady_clock::now() > deadline) {
-            throw std::runtime_error(std::string(what) + " did not start: " + readBytes(log));
+            throw std::runtime_error(std::string(what) + " did not start: " + readFile(log));
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }

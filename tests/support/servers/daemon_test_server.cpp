@@ -5,25 +5,13 @@
 
 namespace perchftp::test {
 
-namespace {
-
-bool runQuietly(std::string const& commandLine, int attempts)
+void requireQuietly(std::string const& commandLine, int attempts)
 {
     for (int attempt = 1; !runCommand(commandLine + " >/dev/null 2>&1"); ++attempt) {
         if (attempt >= attempts) {
-            return false;
+            throw std::runtime_error("failed: " + commandLine);
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    }
-    return true;
-}
-
-} // namespace
-
-void requireQuietly(std::string const& commandLine, int attempts)
-{
-    if (!runQuietly(commandLine, attempts)) {
-        throw std::runtime_error("failed: " + commandLine);
     }
 }
 
@@ -62,16 +50,15 @@ DaemonTestServer::DaemonTestServer(std::string const& name, std::string const& u
     }
 }
 
-DaemonTestServer::~DaemonTestServer()
-{
-    stop();
-}
-
 void DaemonTestServer::stop()
 {
     process_.reset();
     if (!user_.empty()) {
-        runQuietly("userdel '" + user_ + "'", 50);
+        try {
+            requireQuietly("userdel '" + user_ + "'", 50);
+        } catch (std::runtime_error const&) {
+            // Left behind; the next server's user has a name of its own.
+        }
         user_.clear();
     }
     std::error_code ignored;

@@ -17,7 +17,7 @@ public:
     // Empty when this process can run `binary`; otherwise why not.
     static std::string whyUnavailable(std::string const& binary, std::string const& purpose);
 
-    virtual ~DaemonTestServer();
+    virtual ~DaemonTestServer() { stop(); }
     DaemonTestServer(DaemonTestServer const&) = delete;
     DaemonTestServer& operator=(DaemonTestServer const&) = delete;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/servers/child_process.hpp"
+#include "support/temp_dir.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -13,10 +14,6 @@ namespace perchftp::test {
 struct FtpTestServerOptions {
     std::string user = "perch";
     std::string password = "perch-secret";
-    // TLS from the first byte, as libcurl's "ftps://" expects; needs both files (PEM).
-    bool implicitTls = false;
-    std::filesystem::path certificateFile;
-    std::filesystem::path keyFile;
     // Limits every data connection to this many bytes per second in each direction; 0 = no limit.
     std::uint64_t throttleBytesPerSecond = 0;
 };
@@ -27,7 +24,6 @@ struct FtpTestServerOptions {
 class FtpTestServer {
 public:
     explicit FtpTestServer(FtpTestServerOptions options = {});
-    ~FtpTestServer();
     FtpTestServer(FtpTestServer const&) = delete;
     FtpTestServer& operator=(FtpTestServer const&) = delete;
 
@@ -37,7 +33,10 @@ public:
     // The local folder that the server shows as "/".
     std::filesystem::path const& root() const { return root_; }
     // The local place of a remote path, e.g. local("/a/b.txt").
-    std::filesystem::path local(std::string const& remotePath) const;
+    std::filesystem::path local(std::string const& remotePath) const
+    {
+        return root_ / std::filesystem::path(remotePath).relative_path();
+    }
 
     // A LIST in `folder` ("/", "/a/b") answers with exactly these bytes.
     void setListing(std::string const& folder, std::string const& body);
@@ -46,22 +45,21 @@ public:
     // `times` times, or always when times is negative. Whole-line rules win over verb rules.
     // The replies "CLOSE" (drop the control connection) and "STALL" (never answer) act.
     void setReply(std::string const& command, std::string const& reply, int times = -1);
-    void clearReplies();
+    void clearReplies() { std::filesystem::remove(folder_.file("replies.tsv")); }
 
     // Every command line received since the start or the last clear, in order, as sent.
     std::vector<std::string> receivedCommands() const;
     // The same, only the lines that begin with one of the given verbs.
     std::vector<std::string> receivedCommands(std::vector<std::string> const& verbs) const;
-    void clearReceivedCommands();
+    void clearReceivedCommands() { std::filesystem::remove(folder_.file("record.log")); }
 
     // Ends the server at once, dropping every connection.
-    void kill();
+    void kill() { process_->kill(); }
 
 private:
     FtpTestServerOptions options_;
-    std::filesystem::path folder_;
+    TempDir folder_; // the server's control files, and its root
     std::filesystem::path root_;
-    std::filesystem::path control_;
     std::unique_ptr<ChildProcess> process_;
     int port_ = 0;
 };

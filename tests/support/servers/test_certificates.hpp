@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/temp_dir.hpp"
+
 #include <filesystem>
 #include <string>
 
@@ -10,16 +12,13 @@ namespace perchftp::test {
 class TestCertificates {
 public:
     TestCertificates();
-    ~TestCertificates();
-    TestCertificates(TestCertificates const&) = delete;
-    TestCertificates& operator=(TestCertificates const&) = delete;
 
-    std::filesystem::path authorityCertificate() const { return folder_ / "ca.pem"; }
-    std::filesystem::path serverCertificate() const { return folder_ / "server.pem"; }
-    std::filesystem::path serverKey() const { return folder_ / "server.key"; }
+    std::filesystem::path authorityCertificate() const { return folder_.file("ca.pem"); }
+    std::filesystem::path serverCertificate() const { return folder_.file("server.pem"); }
+    std::filesystem::path serverKey() const { return folder_.file("server.key"); }
 
 private:
-    std::filesystem::path folder_;
+    TempDir folder_;
 };
 
 // Makes libcurl's default trust (the system bundle) include `authorityCertificate` for this
