@@ -37,10 +37,9 @@ protected:
 
 TEST_F(ScriptedFtp, RemoteCommandsClimbTheirLaddersOnTheWire)
 {
-    for (char const* file : {"/a3/x", "/x", "/my file", "/c15.txt", "/d16"}) {
+    for (char const* file : {"/a3/x", "/x", "/c15.txt", "/d16"}) {
         put(file);
     }
-    std::filesystem::create_directories(server.local("/a17"));
     // What the last operation sent of the commands that act; its scripted replies end with it.
     auto const sent = [this] {
         std::vector<std::string> const lines = server.receivedCommands({"RNFR", "RNTO", "DELE", "RMD", "MKD"});
@@ -66,9 +65,6 @@ TEST_F(ScriptedFtp, RemoteCommandsClimbTheirLaddersOnTheWire)
     EXPECT_EQ(sent(), (Lines{"RNFR gone", "RNFR gone", "RNFR gone", "RNFR /gone", "RNFR /gone"}));
     EXPECT_TRUE(session->isConnected());
 
-    EXPECT_TRUE(session->rename("/my file", "/a17/../their file").ok) << "blanks and dots go as they stand";
-    EXPECT_EQ(sent(), (Lines{"RNFR my file", "RNTO their file"}));
-
     // A login folder elsewhere, or one the server won't tell, leaves only the absolute rungs.
     server.setReply("PWD", "257 \"/home\" is the current directory.");
     ASSERT_TRUE(connect().ok);
@@ -81,7 +77,7 @@ TEST_F(ScriptedFtp, RemoteCommandsClimbTheirLaddersOnTheWire)
     EXPECT_TRUE(session->rename("/d16", "/e16").ok);
     EXPECT_EQ(sent(), (Lines{"RNFR /d16", "RNTO /e16"}));
 
-    for (char const* kept : {"/a3/y", "/x", "/their file"}) {
+    for (char const* kept : {"/a3/y", "/x"}) {
         EXPECT_TRUE(std::filesystem::exists(server.local(kept))) << kept;
     }
     for (char const* gone : {"/y", "/c15.txt", "/d16"}) {

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <cstdlib>
 #include <mutex>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace perchftp::test {
@@ -48,33 +46,6 @@ private:
     int status_ = 200;
     std::vector<Request> requests_;
     std::thread thread_;
-};
-
-// Clears the proxy variables for the life of the object, so that loopback requests go straight
-// to the server; restores them afterwards.
-class NoProxyEnvironment {
-public:
-    NoProxyEnvironment()
-    {
-        for (char const* name : {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
-                                 "no_proxy", "NO_PROXY"}) {
-            if (char const* value = std::getenv(name)) {
-                saved_.emplace_back(name, value);
-                ::unsetenv(name);
-            }
-        }
-    }
-    ~NoProxyEnvironment()
-    {
-        for (auto const& [name, value] : saved_) {
-            ::setenv(name.c_str(), value.c_str(), 1);
-        }
-    }
-    NoProxyEnvironment(NoProxyEnvironment const&) = delete;
-    NoProxyEnvironment& operator=(NoProxyEnvironment const&) = delete;
-
-private:
-    std::vector<std::pair<std::string, std::string>> saved_;
 };
 
 } // namespace perchftp::test

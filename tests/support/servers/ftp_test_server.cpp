@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 
 namespace perchftp::test {
 
@@ -46,12 +45,12 @@ std::vector<std::string> FtpTestServer::receivedCommands() const
 
 std::vector<std::string> FtpTestServer::receivedCommands(std::vector<std::string> const& verbs) const
 {
-    auto const hasVerb = [&verbs](std::string const& line) {
-        return std::ranges::any_of(verbs, [&line](auto const& v) { return line == v || line.starts_with(v + " "); });
-    };
-    std::vector<std::string> matching;
-    std::ranges::copy_if(receivedCommands(), std::back_inserter(matching), hasVerb);
-    return matching;
+    std::vector<std::string> lines = receivedCommands();
+    std::erase_if(lines, [&verbs](std::string const& line) {
+        return std::ranges::none_of(
+            verbs, [&line](auto const& verb) { return line == verb || line.starts_with(verb + " "); });
+    });
+    return lines;
 }
 
 } // namespace perchftp::test
