@@ -10,19 +10,10 @@
 
 namespace perchftp::test {
 
-namespace {
-
-constexpr char const* kSystemBundle = "/etc/ssl/certs/ca-certificates.crt";
-
-std::string systemError(std::string const& what)
-{
-    return what + ": " + std::strerror(errno);
-}
-
-} // namespace
-
 std::string trustInPrivateMountNamespace(std::filesystem::path const& authorityCertificate)
 {
+    constexpr char const* kSystemBundle = "/etc/ssl/certs/ca-certificates.crt";
+    auto const systemError = [](std::string const& what) { return what + ": " + std::strerror(errno); };
     if (::geteuid() != 0) {
         return "needs root to give the test process a mount namespace of its own with the test CA trusted";
     }
