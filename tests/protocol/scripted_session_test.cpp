@@ -161,9 +161,9 @@ TEST_F(ScriptedFtp, ListingsAndTransfersFailWithoutLosingWhatTheCallerHad)
     ASSERT_TRUE(connect().ok);
     std::string const bytes = patternedBytes(10u * 1024 * 1024);
     put("/big.bin", bytes);
-    TransferEventType last{};
+    RecordedEvent last{};
     auto const killOnFirstBytes = [&](TransferEventType type, protocol::TransferProgress const& progress) {
-        last = type;
+        last = {type, progress.path, progress.transferred, progress.total};
         if (progress.transferred > 0) {
             server.kill();
         }
@@ -171,7 +171,8 @@ TEST_F(ScriptedFtp, ListingsAndTransfersFailWithoutLosingWhatTheCallerHad)
     result = session->download({local.file("big.bin"), "/big.bin", false}, killOnFirstBytes);
     EXPECT_EQ(result.code, 5);
     EXPECT_THAT(result.message, StartsWith("ftp download: "));
-    EXPECT_EQ(last, TransferEventType::Failed);
+    EXPECT_EQ(last.type, TransferEventType::Failed);
+    EXPECT_GT(last.transferred, 0u) << "the failure reports the bytes that went through";
     std::string const arrived = readFile(local.file("big.bin"));
     EXPECT_LT(arrived.size(), bytes.size());
     EXPECT_EQ(arrived, bytes.substr(0, arrived.size()));

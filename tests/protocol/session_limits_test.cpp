@@ -46,16 +46,10 @@ TEST(SessionLimits, EndsAnUploadAfterSixtySeconds)
     ASSERT_TRUE(session->connect("127.0.0.1", server.port(), server.user(), server.password()).ok);
     TempDir local;
     writeFile(local.file("slow.bin"), patternedBytes(100 * kBytesPerSecond));
-    EventRecorder recorder;
-    SessionResult const result = timed(59.5, 70.0, [&] {
-        return session->upload({local.file("slow.bin"), "/slow.bin", false}, recorder.callback());
-    });
+    SessionResult const result =
+        timed(59.5, 70.0, [&] { return session->upload({local.file("slow.bin"), "/slow.bin", false}, {}); });
     EXPECT_EQ(result.code, 5);
     EXPECT_EQ(result.message, "ftp upload: Timeout was reached");
-    ASSERT_FALSE(recorder.events.empty());
-    EXPECT_EQ(recorder.events.back().type, TransferEventType::Failed);
-    EXPECT_EQ(recorder.events.back().total, 100 * kBytesPerSecond);
-    EXPECT_GT(recorder.events.back().transferred, 0u);
 }
 
 } // namespace
