@@ -126,7 +126,6 @@ class HelpWorkflows : public StartedShellTest {
 protected:
     void SetUp() override { startShell(); }
 
-    QString bannerText() { return controller().statusLabel()->text(); }
     bool bannerIsError() { return controller().statusBanner()->showsError(); }
     std::string logPath() const { return (folders().baseFolder() + "/bug-reports.log").toStdString(); }
     ScriptedShellDialogs::Question const& lastQuestion() { return dialogs().questions().back(); }
@@ -159,11 +158,11 @@ TEST_F(HelpWorkflows, BugReportsAreAppendedWhenGivenWithTheFormsStateAndNeverIts
         QStringLiteral("What happened?\n\nSteps to reproduce:\n1. \n2. \n\nExpected result:\nActual result:\n");
     dialogs().expectText(std::nullopt);
     controller().reportBug();
-    EXPECT_EQ(bannerText(), QStringLiteral("✅ Bug report canceled."));
+    EXPECT_EQ(banner(), QStringLiteral("✅ Bug report canceled."));
     EXPECT_FALSE(bannerIsError());
     dialogs().expectText(QStringLiteral(" \n\t \n"));
     controller().reportBug();
-    EXPECT_EQ(bannerText(), QStringLiteral("⚠️ Bug report not saved because the message was empty."));
+    EXPECT_EQ(banner(), QStringLiteral("⚠️ Bug report not saved because the message was empty."));
     EXPECT_TRUE(bannerIsError());
     EXPECT_FALSE(std::filesystem::exists(logPath()));
 
@@ -183,7 +182,7 @@ TEST_F(HelpWorkflows, BugReportsAreAppendedWhenGivenWithTheFormsStateAndNeverIts
     EXPECT_EQ(withoutTimestamps(readFile(logPath())), head + "The list froze \xe2\x9c\x93 at %1 100%\n\n---\n\n" + head
         + kTemplate.trimmed().toStdString() + "\n\n---\n\n");
     EXPECT_EQ(readFile(logPath()).find("hunter2"), std::string::npos);
-    EXPECT_EQ(bannerText(), QStringLiteral("✅ Bug report saved to ") + QString::fromStdString(logPath()));
+    EXPECT_EQ(banner(), QStringLiteral("✅ Bug report saved to ") + QString::fromStdString(logPath()));
     EXPECT_FALSE(bannerIsError());
 
     // A base folder that cannot be written: a file stands in its place, and stays as it was.
@@ -191,7 +190,7 @@ TEST_F(HelpWorkflows, BugReportsAreAppendedWhenGivenWithTheFormsStateAndNeverIts
     writeFile(folders().baseFolder().toStdString(), "a file where the base folder belongs");
     dialogs().expectText(QStringLiteral("lost?"));
     controller().reportBug();
-    EXPECT_EQ(bannerText(), QStringLiteral("⚠️ Bug report could not be saved to disk."));
+    EXPECT_EQ(banner(), QStringLiteral("⚠️ Bug report could not be saved to disk."));
     EXPECT_EQ(readFile(folders().baseFolder().toStdString()), "a file where the base folder belongs");
 }
 
@@ -232,7 +231,7 @@ TEST_F(FolderPicker, AChosenFolderOpensAndIsRememberedAndThePaneFallsBackToTheDi
                                        "--filename", odd + "/"}))
         << "zenity comes first, and starts in the pane's folder";
     EXPECT_EQ(controller().localPane()->pathValue(), music);
-    EXPECT_EQ(bannerText(), QStringLiteral("✅ Opened local folder: ") + music);
+    EXPECT_EQ(banner(), QStringLiteral("✅ Opened local folder: ") + music);
     EXPECT_EQ(QSettings(QStringLiteral("PerchFtp"), QStringLiteral("PerchFtp")).value("PerchFtpLastLocalPanePath").toString(),
         music);
 
@@ -295,7 +294,7 @@ TEST_F(FolderPicker, EachRungOfTheLadderHasItsOwnAlertAndBanner)
             EXPECT_EQ(lastQuestion().title, row.alertTitle);
             EXPECT_TRUE(lastQuestion().text.contains(row.alertText)) << lastQuestion().text.toStdString();
         }
-        EXPECT_EQ(bannerText(), row.banner);
+        EXPECT_EQ(banner(), row.banner);
         EXPECT_EQ(controller().localPane()->pathValue(), before);
     }
 }

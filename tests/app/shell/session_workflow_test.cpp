@@ -77,8 +77,7 @@ private:
     app::PerchFtpShellController& controller_;
 };
 
-// The started shell with the means to type into its connection form and watch what the user is
-// shown.
+// The shown shell, watched for what the user is shown.
 class SessionShellTest : public StartedShellTest {
 protected:
     void TearDown() override
@@ -88,13 +87,7 @@ protected:
     }
     void startWatchedShell()
     {
-        startShell();
-        // Let the start-up's own popup go, so that each test sees only its own, and wait for the
-        // main window that the popups float in. Until the window is exposed its backing store has
-        // no size, and a popup painted meanwhile is painted nowhere.
-        ASSERT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
-        ASSERT_TRUE(waitUntil([&] { return controller().hostWindow()->isVisible(); }));
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(controller().hostWindow()));
+        startShownShell();
         seen_ = std::make_unique<WhatTheUserSees>(controller());
     }
     // Ends the shell as the program's end would and starts it again on the same folders.
@@ -105,17 +98,6 @@ protected:
         startWatchedShell();
     }
 
-    void fillForm(QString const& protocol, QString const& host, QString const& port, std::string const& user = {},
-        std::string const& password = {})
-    {
-        controller().protocolField()->setCurrentText(protocol);
-        controller().hostField()->setText(host);
-        controller().portField()->setText(port);
-        controller().userField()->setText(QString::fromStdString(user));
-        controller().secretField()->setText(QString::fromStdString(password));
-    }
-
-    QString banner() { return controller().statusLabel()->text(); }
     QStringList remoteNames()
     {
         QStringList names;
@@ -240,21 +222,6 @@ TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnect
 
 TEST_F(FtpSessionWorkflow, BadFormValuesRefusedConnectsAndFailedListingsLeaveTheirOwnWords)
 {
-    // Without a positive port, or without a host, nothing starts.
-    for (auto const& [host, portText] : {std::pair{"127.0.0.1", "-21"}, {"", "21"}}) {
-        fillForm(QStringLiteral("ftp"), QString::fromLatin1(host), QString::fromLatin1(portText));
-        controller().connectButton()->click();
-        EXPECT_EQ(banner(), "⚠️ Host and port are required to connect.") << host << ":" << portText;
-    }
-    EXPECT_TRUE(seen().popupMessages.isEmpty());
-
-    // No upper bound on the port: libcurl refuses it.
-    fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), QStringLiteral("70000"), server_.user(), "x");
-    controller().connectButton()->click();
-    EXPECT_EQ(seen().popupMessages.value(0), "Resolving 127.0.0.1:70000 via ftp...");
-    EXPECT_EQ(banner(), "⚠️ Connect failed: ftp connect: URL using bad/illegal format or missing URL");
-    EXPECT_EQ(controller().session(), nullptr);
-
     // A protocol name is trimmed and lowered. A failed first listing keeps the session, and the
     // empty path climbs the ladder: "", then "/", then "" again.
     QComboBox* protocol = controller().protocolField();
