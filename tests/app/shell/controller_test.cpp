@@ -99,19 +99,6 @@ protected:
         ADD_FAILURE() << "no Edit item " << title.toStdString();
         return nullptr;
     }
-
-    // A local folder with these files, shown in the local pane.
-    QString showLocalFolder(QStringList const& names)
-    {
-        QString const folder = folders().workingDirectory() + QStringLiteral("/files");
-        QDir().mkpath(folder);
-        for (QString const& name : names) {
-            QFile file(folder + "/" + name);
-            EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        }
-        local().loadLocalDirectory(folder);
-        return folder;
-    }
 };
 
 TEST_F(ShellController, APopupFloatsCentredAndGoesSixHundredMillisecondsAfterTheCloseThatCameFirst)
@@ -266,10 +253,13 @@ TEST_F(ShellController, ReturnConnectsTheWheelWaitsForTheFocusAndTabWalksTheWind
     }
 }
 
-TEST_F(ShellController, EveryLabelOfTheWindowAndEveryFileTipShowsItsWordsAsTyped)
+TEST_F(ShellController, WordsShowAsTypedAndTheEditItemsCopyPathsAndSelectAllInAFileListAndAreQuietElsewhere)
 {
-    QString const markup = QStringLiteral("<b>x</b>");
-    controller().setStatusText(QStringLiteral("Deleted local item %1").arg(markup), false);
+    // Every line Qt logs meanwhile is recorded instead of printed.
+    static QStringList logged;
+    QtMessageHandler const previous =
+        qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const& line) { logged.append(line); });
+    controller().setStatusText(QStringLiteral("Deleted local item <b>x</b>"), false);
     EXPECT_EQ(banner(), QStringLiteral("✅ Deleted local item <b>x</b>"));
     QList<QLabel*> const labels = window()->findChildren<QLabel*>();
     ASSERT_GE(labels.size(), 10);
@@ -277,30 +267,25 @@ TEST_F(ShellController, EveryLabelOfTheWindowAndEveryFileTipShowsItsWordsAsTyped
         EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
     }
 
-    // A file name holds no "/": half the markup is enough to be read as bold.
-    QString const name = QStringLiteral("<b>x");
-    QString const folder = showLocalFolder({name});
-    ASSERT_EQ(local().entries().size(), 1);
-    QString const tip = local().model()->index(0, 0).data(Qt::ToolTipRole).toString();
+    // A file name holds no "/": half the markup is enough to be read as bold. It sorts first.
+    QString const folder = folders().workingDirectory() + QStringLiteral("/files");
+    QDir().mkpath(folder);
+    for (QString const name : {"<b>x", "a.txt", "b.txt", "c.txt"}) {
+        QFile file(folder + "/" + name);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    local().loadLocalDirectory(folder);
     QTextDocument shown;
-    shown.setHtml(tip);
-    EXPECT_EQ(shown.toPlainText(), folder + "/" + name) << "a tooltip reads markup; the name is escaped";
-}
+    shown.setHtml(local().model()->index(0, 0).data(Qt::ToolTipRole).toString());
+    EXPECT_EQ(shown.toPlainText(), folder + "/<b>x") << "a tooltip reads markup; the name is escaped";
 
-TEST_F(ShellController, EditItemsCopyPathsAndSelectAllInAFileListWorkInFieldsAndAreQuietElsewhere)
-{
-    // Every line Qt logs meanwhile is recorded instead of printed.
-    static QStringList logged;
-    QtMessageHandler const previous =
-        qInstallMessageHandler([](QtMsgType, QMessageLogContext const&, QString const& line) { logged.append(line); });
-    QString const folder = showLocalFolder({"a.txt", "b.txt", "c.txt"});
     QTableView* table = local().tableView();
     focus(table);
     ASSERT_EQ(selectPaneRowsNamed(local(), {"a.txt", "c.txt"}), 2);
     QTest::keyClick(table, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), folder + "/a.txt\n" + folder + "/c.txt");
     editItem("Select All")->trigger();
-    EXPECT_EQ(local().selectedItems().size(), 3);
+    EXPECT_EQ(local().selectedItems().size(), 4);
 
     // The message row of an empty folder is no file: the clipboard keeps what it had.
     QString const empty = folders().workingDirectory() + QStringLiteral("/empty");
