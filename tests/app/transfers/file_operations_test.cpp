@@ -25,20 +25,12 @@ PaneEntry item(QString const& path, bool dir = false, QString const& permissions
 
 class FileOperations : public ConnectedShellTest {
 protected:
-    void SetUp() override
-    {
-        ConnectedShellTest::SetUp();
-        controller().setQueueLog(&log_);
-    }
-
     // The last question as "title: text [options]".
     QString lastAsked()
     {
         auto const& question = dialogs().questions().back();
         return question.title + ": " + question.text + " [" + question.options.join(u',') + ']';
     }
-
-    QPlainTextEdit log_;
 };
 
 TEST_F(FileOperations, LocalItemsAreCreatedRenamedAndDeletedOrTheSystemsWordsAreShownAndRefusalsTouchNothing)
@@ -174,11 +166,12 @@ TEST_F(FileOperations, RemoteItemsAreCreatedRenamedDeletedAndChangedUntilTheFirs
     EXPECT_EQ(popupMessage(), "Deleted 2 remote item(s).");
 
     server().setReply("DELE", "550 Refused.");
+    controller().queueLog()->clear();
     dialogs().expectAlertButton(kConfirm);
     controller().deletePanePath(QStringLiteral("/tree"), true, true);
     EXPECT_TRUE(remoteExists("/tree/sub/b.txt"));
     EXPECT_EQ(banner(), "⚠️ Remote delete failed: recursive remote delete failed");
-    QString const log = log_.toPlainText();
+    QString const log = controller().queueLog()->toPlainText();
     EXPECT_TRUE(log.startsWith("Remote nested file delete failed: ftp ") && !log.contains(u'\n'))
         << "one line: " << log.toStdString();
 
