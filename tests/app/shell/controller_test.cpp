@@ -49,10 +49,14 @@ namespace {
 // The protocol layer has its own tests against real servers.
 class ScriptedSession : public protocol::IRemoteSession {
 public:
-    explicit ScriptedSession(bool connected) { ON_CALL(*this, isConnected).WillByDefault(testing::Return(connected)); }
+    explicit ScriptedSession(bool connected)
+    {
+        ON_CALL(*this, isConnected).WillByDefault(testing::Return(connected));
+    }
 
     using Result = protocol::SessionResult;
-    MOCK_METHOD(Result, connect, (std::string const&, int, std::string const&, std::string const&), (override));
+    MOCK_METHOD(Result, connect, (std::string const&, int, std::string const&, std::string const&),
+        (override));
     MOCK_METHOD(Result, disconnect, (), (override));
     MOCK_METHOD(Result, list, (std::string const&, std::vector<protocol::RemoteEntry>&), (override));
     MOCK_METHOD(Result, upload, (protocol::TransferParams const&, protocol::TransferCallback), (override));

@@ -36,7 +36,8 @@ public:
     };
 
     // An alert with a check box is answered with the button pressed and the state the box was left in.
-    using Answer = std::variant<QString, int, TextAnswer, app::SavedConnectionAnswer, bool, std::pair<int, bool>>;
+    using Answer =
+        std::variant<QString, int, TextAnswer, app::SavedConnectionAnswer, bool, std::pair<int, bool>>;
 
     void expectFolder(QString folder) { script_->answers.push_back(std::move(folder)); }
     void expectAlertButton(int result) { script_->answers.push_back(result); }
@@ -46,7 +47,10 @@ public:
     }
     void expectSavedConnection(app::SavedConnectionAnswer answer) { script_->answers.push_back(answer); }
     void expectLicence(bool accepted) { script_->answers.push_back(accepted); }
-    void expectCheckBoxAlert(int button, bool checked) { script_->answers.push_back(std::pair(button, checked)); }
+    void expectCheckBoxAlert(int button, bool checked)
+    {
+        script_->answers.push_back(std::pair(button, checked));
+    }
 
     std::deque<Question> const& questions() const { return script_->questions; }
     bool scriptIsUsedUp() const { return script_->answers.empty(); }

@@ -47,8 +47,8 @@ protected:
     QString banner();
     QString popupMessage();
     // Types into the connection form as a user does.
-    void fillForm(QString const& protocol, QString const& host, QString const& port, std::string const& user = {},
-        std::string const& password = {});
+    void fillForm(QString const& protocol, QString const& host, QString const& port,
+        std::string const& user = {}, std::string const& password = {});
     app::PerchSplashWindow* splash() { return shell_->splash.get(); }
     ScriptedShellDialogs& dialogs() { return *dialogs_; }
     IsolatedUserFolders const& folders() const { return folders_; }
