@@ -331,15 +331,13 @@ TEST_F(RemotePane, ARefreshOfTheSameFolderKeepsSelectionAndScrollAndNavigationIs
 
     // Up from the root, an emptied path field and a refresh without a path all open the root.
     pane->showRemoteEntries(serverListing(), "/srv");
-    for (QString const path : {"/", ""}) {
-        pane->setPathValue(path);
-        pane->goUp();
-    }
+    pane->setPathValue("/");
+    pane->goUp();
     pane->pathField()->clear();
     QTest::keyClick(pane->pathField(), Qt::Key_Return);
     pane->setCurrentPath(QString());
     pane->contextRefreshAction();
-    EXPECT_EQ(takeRequests(), QStringList(4, QStringLiteral("open /")));
+    EXPECT_EQ(takeRequests(), QStringList(3, QStringLiteral("open /")));
 
     pane->tableView()->clearSelection();
     delegate.calls.clear();

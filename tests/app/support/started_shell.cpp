@@ -3,7 +3,11 @@
 #include "storage/persistent_store.hpp"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
 
 namespace perchftp::test {
 
@@ -42,6 +46,38 @@ void StartedShellTest::startShell()
     auto* application = static_cast<QApplication*>(QCoreApplication::instance());
     shell_ = app::startDesktopShell(*application, std::move(dialogs));
     ASSERT_TRUE(shell_.has_value());
+}
+
+void StartedShellTest::startShownShell()
+{
+    startShell();
+    QMainWindow* window = controller().hostWindow();
+    ASSERT_TRUE(waitUntil([&] { return controller().statusPopupWindow() == nullptr; }));
+    ASSERT_TRUE(waitUntil([&] { return window->isVisible(); }));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    QApplication::setActiveWindow(window);
+    ASSERT_TRUE(waitUntil([&] { return window->isActiveWindow(); }));
+}
+
+QString StartedShellTest::banner()
+{
+    return controller().statusLabel()->text();
+}
+
+QString StartedShellTest::popupMessage()
+{
+    QLabel* message = controller().statusPopupMessage();
+    return message ? message->text() : QStringLiteral("");
+}
+
+void StartedShellTest::fillForm(QString const& protocol, QString const& host, QString const& port,
+    std::string const& user, std::string const& password)
+{
+    controller().protocolField()->setCurrentText(protocol);
+    controller().hostField()->setText(host);
+    controller().portField()->setText(port);
+    controller().userField()->setText(QString::fromStdString(user));
+    controller().secretField()->setText(QString::fromStdString(password));
 }
 
 void StartedShellTest::stopShell()

@@ -35,11 +35,20 @@ std::vector<storage::SiteProfile> readSites(QString const& databasePath);
 class StartedShellTest : public testing::Test {
 protected:
     void startShell();
+    // Starts the shell and waits until the start-up's own popup has gone, so that a test sees only
+    // its own, and the main window is exposed and active: until then a popup is painted nowhere.
+    void startShownShell();
     // Destroys the shell as the program's end would; also done after every test.
     void stopShell();
     void TearDown() override { stopShell(); }
 
     app::PerchFtpShellController& controller() { return *shell_->controller; }
+    // The banner with its marker, and the open popup's message ("" without a popup).
+    QString banner();
+    QString popupMessage();
+    // Types into the connection form as a user does.
+    void fillForm(QString const& protocol, QString const& host, QString const& port,
+        std::string const& user = {}, std::string const& password = {});
     app::PerchSplashWindow* splash() { return shell_->splash.get(); }
     ScriptedShellDialogs& dialogs() { return *dialogs_; }
     IsolatedUserFolders const& folders() const { return folders_; }

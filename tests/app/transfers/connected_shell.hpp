@@ -11,7 +11,6 @@
 #include "support/temp_dir.hpp"
 #include "transfer/transfer_queue.hpp"
 
-#include <QLabel>
 #include <QLineEdit>
 #include <QString>
 #include <QStringList>
@@ -85,14 +84,6 @@ protected:
         controller().localTransferField()->setText(localPath);
         controller().remoteTransferField()->setText(remotePath);
         type == transfer::JobType::Upload ? controller().enqueueUpload() : controller().enqueueDownload();
-    }
-
-    // The banner with its marker, and the open popup's message ("" without a popup).
-    QString banner() { return controller().statusLabel()->text(); }
-    QString popupMessage()
-    {
-        QLabel* message = controller().statusPopupMessage();
-        return message ? message->text() : QStringLiteral("");
     }
 
     std::vector<transfer::TransferQueueItem> jobs() { return controller().transferQueue().queue().snapshot(); }
