@@ -2,6 +2,9 @@
 #include "storage/legacy_snapshot.hpp"
 #include "storage/persistent_store.hpp"
 
+#include <cstring>
+#include <sqlite3.h>
+
 using namespace perchftp::storage;
 using perchftp::fuzz::require;
 
@@ -18,6 +21,22 @@ Snapshot withHostileProfile(Snapshot snapshot, std::uint8_t const* data, std::si
     return snapshot;
 }
 
+// Whether SQLite finds the file's structure sound. From a damaged file two loads in a row may read
+// different rows (they changed with the memory allocator), so no property can hold there.
+bool soundDatabase(std::string const& path)
+{
+    sqlite3* db = nullptr;
+    sqlite3_stmt* check = nullptr;
+    bool const sound = sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK
+        && sqlite3_prepare_v2(db, "PRAGMA quick_check", -1, &check, nullptr) == SQLITE_OK
+        && sqlite3_step(check) == SQLITE_ROW
+        && sqlite3_column_text(check, 0) != nullptr
+        && std::strcmp(reinterpret_cast<char const*>(sqlite3_column_text(check, 0)), "ok") == 0;
+    sqlite3_finalize(check);
+    sqlite3_close(db);
+    return sound;
+}
+
 } // namespace
 
 // The file is a database SQLite may or may not read; whatever load() gives must save and load
@@ -25,11 +44,11 @@ Snapshot withHostileProfile(Snapshot snapshot, std::uint8_t const* data, std::si
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     std::string const path = perchftp::fuzz::scratchFile("perchftp-sites.db", data, size);
-    bool const database = detail::fileLooksLikeSqliteDatabase(path);
+    bool const database = detail::fileLooksLikeSqliteDatabase(path) && soundDatabase(path);
     auto const store = createFileStore(path);
     auto const loaded = store->load();
     if (!loaded || !database) {
-        return 0; // a file of the older format is the other target's ground
+        return 0; // a file of the older format is the other target's ground; a damaged one has no rules
     }
     require(loaded->version == kCurrentSchemaVersion && normalizeSnapshot(*loaded) == *loaded);
 
