@@ -88,7 +88,7 @@ TEST_F(ScriptedFtp, RemoteCommandsClimbTheirLaddersOnTheWire)
 TEST_F(ScriptedFtp, ListingsAndTransfersFailWithoutLosingWhatTheCallerHad)
 {
     // A reply replaces the caller's entries; a failure leaves them.
-    server.setListing("/", "top\n");
+    put("/top");
     std::vector<RemoteEntry> entries = {{"stale", false, 1, "", ""}};
     ASSERT_TRUE(session->list("/", entries).ok);
     ASSERT_EQ(entries.size(), 1u);

@@ -184,9 +184,6 @@ TEST_F(ShellController, TheQueueSummaryCountsItsJobsAndTheControlsFollowTheSessi
     EXPECT_EQ(button->text(), "Connect");
     EXPECT_FALSE(controller().refreshButton()->isEnabled());
     EXPECT_EQ(controller().connectionStatusText()->text(), "Disconnected");
-    fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), QStringLiteral("-21"));
-    button->click();
-    EXPECT_EQ(banner(), QStringLiteral("⚠️ Host and port are required to connect."));
 
     // The program's end disconnects an open session.
     EXPECT_CALL(*installSession(true), disconnect());

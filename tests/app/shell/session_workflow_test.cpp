@@ -6,6 +6,7 @@
 #include "app/saved_connection_items.hpp"
 #include "app/shell_controller.hpp"
 #include "app/status/connect_button.hpp"
+#include "support/ftp_connection_form.hpp"
 #include "support/qt_printers.hpp"
 #include "support/servers/ftp_test_server.hpp"
 #include "support/started_shell.hpp"
@@ -125,11 +126,6 @@ protected:
     }
 
     QString port() const { return QString::number(server_.port()); }
-    void fillFormForServer(std::string const& password = {})
-    {
-        fillForm(QStringLiteral("ftp"), QStringLiteral("127.0.0.1"), port(), server_.user(),
-            password.empty() ? server_.password() : password);
-    }
     // The popup's messages, in order, of a connect to this server up to the step that failed, or
     // to the end when `failure` is empty.
     QStringList connectingSteps(QString const& failure = {}) const
@@ -147,7 +143,8 @@ protected:
 
 TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnecting)
 {
-    fillFormForServer("not-the-password");
+    fillFtpConnectionForm(controller(), server_);
+    controller().secretField()->setText(QStringLiteral("not-the-password"));
     controller().connectButton()->click();
     QString const denied = QStringLiteral("Connect failed: ftp connect: Login denied");
     EXPECT_EQ(controller().session(), nullptr);
@@ -155,7 +152,7 @@ TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnect
     EXPECT_EQ(seen().popupMessages, connectingSteps(denied));
 
     seen().forget();
-    fillFormForServer();
+    fillFtpConnectionForm(controller(), server_);
     controller().connectButton()->click();
     ASSERT_TRUE(controller().isConnected()) << banner().toStdString();
     EXPECT_EQ(seen().popupMessages, connectingSteps());
@@ -191,7 +188,7 @@ TEST_F(FtpSessionWorkflow, ConnectingBrowsingRefreshingReconnectingAndDisconnect
     EXPECT_EQ(banner(), "✅ Loaded saved connection \"Elsewhere\".");
 
     // Connecting again replaces the session without asking.
-    fillFormForServer();
+    fillFtpConnectionForm(controller(), server_);
     seen().forget();
     controller().connectSession();
     EXPECT_TRUE(controller().isConnected());
@@ -223,7 +220,7 @@ TEST_F(FtpSessionWorkflow, ProtocolNamesFailedListingsAndFailedConnectsLeaveThei
     // empty path climbs the ladder: "", then "/", then "" again.
     QComboBox* protocol = controller().protocolField();
     protocol->addItems({QStringLiteral("  FTP "), QStringLiteral("gopher")});
-    fillFormForServer();
+    fillFtpConnectionForm(controller(), server_);
     protocol->setCurrentText(QStringLiteral("  FTP "));
     server_.setReply("LIST", "550 Listing refused.");
     seen().forget();
