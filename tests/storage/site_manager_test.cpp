@@ -4,11 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace perchftp::storage {
 namespace {
 
 using test::makeProfile;
 using Ids = std::vector<int>;
+
+constexpr int kTopId = std::numeric_limits<int>::max();
 
 Ids idsOf(std::vector<SiteProfile> const& sites)
 {
@@ -17,6 +21,15 @@ Ids idsOf(std::vector<SiteProfile> const& sites)
         ids.push_back(site.id);
     }
     return ids;
+}
+
+SiteManager loadedWithIds(Ids const& ids)
+{
+    Snapshot snapshot;
+    for (int const id : ids) {
+        snapshot.profiles.push_back(makeProfile(id, "host-" + std::to_string(id)));
+    }
+    return SiteManager(snapshot);
 }
 
 TEST(SiteManagerAdd, GivesNewIdsFromOneAndStoresTheProfileTrimmedAndRepairedWithAPortIn1To65535)
@@ -46,6 +59,23 @@ TEST(SiteManagerAdd, GivesNewIdsFromOneAndStoresTheProfileTrimmedAndRepairedWith
         ASSERT_TRUE(manager.updateSite(4, profile));
         EXPECT_EQ(manager.findSite(4)->port, kept) << port;
     }
+}
+
+TEST(SiteManagerAdd, NeverHandsOutAnIdBelowOneOrOneThatIsHeld)
+{
+    // After 2147483647 the counter wraps; the new ids start again from the lowest free one.
+    auto afterTop = loadedWithIds({2, kTopId});
+    EXPECT_EQ(afterTop.addSite(makeProfile(0, "new.example")), 1);
+    EXPECT_EQ(afterTop.addSite(makeProfile(0, "newer.example")), 3);
+
+    // Loaded out of order, the counter lands on a held id and steps past it.
+    auto outOfOrder = loadedWithIds({65536, kTopId, 65535});
+    EXPECT_EQ(outOfOrder.addSite(makeProfile(0, "new.example")), 65537);
+    EXPECT_EQ(outOfOrder.addSite(makeProfile(0, "newer.example")), 65538);
+
+    // Elsewhere the next id is one more than the greatest loaded one, as before.
+    EXPECT_EQ(loadedWithIds({7, 3}).addSite(makeProfile(0, "new.example")), 8);
+    EXPECT_EQ(loadedWithIds({kTopId - 1}).addSite(makeProfile(0, "new.example")), kTopId);
 }
 
 TEST(SiteManagerAdd, NeedsANameASupportedProtocolAndAHostAndRefusesTheSameConnectionTwice)

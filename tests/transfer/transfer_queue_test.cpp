@@ -38,25 +38,27 @@ std::string figures(TransferQueue const& queue, std::uint64_t id)
     return out.str();
 }
 
-// Columns: the calls the shell makes, cancel, skip, simulateProgress, complete(true), complete(false).
+// Columns: pause, resume, cancel, skip, retry, simulateProgress, complete(true), complete(false).
 bool apply(TransferQueue& queue, std::uint64_t id, std::size_t column)
 {
     switch (column) {
-    case 0: return queue.cancel(id);
-    case 1: return queue.skip(id, "exists");
-    case 2: return queue.simulateProgress(id, 30, 60);
-    case 3: return queue.complete(id, true, "");
+    case 0: return queue.pause(id);
+    case 1: return queue.resume(id);
+    case 2: return queue.cancel(id);
+    case 3: return queue.skip(id, "exists");
+    case 4: return queue.retry(id);
+    case 5: return queue.simulateProgress(id, 30, 60);
+    case 6: return queue.complete(id, true, "");
     default: return queue.complete(id, false, "disk full");
     }
 }
 
-// The state after each column's call, one row per state the shell can reach: a letter of
-// "QRPSCFX" (Queued, Running, Paused, Skipped, Completed, Failed, Canceled) or '-' for a refused call.
+// The state after each column's call, one row per state in JobState order: a letter of
+// "QRPSCFX" (Queued, Running, Paused, Skipped, Completed, Failed, Canceled) or '-' for a refused
+// call. The Failed job has retries left.
 constexpr std::string_view kLetters = "QRPSCFX";
-constexpr std::string_view kRows = "QRSCFX";
-constexpr std::string_view kTable[] = {"XSRCF", "XSRCF", "XS-CF", "XS-CF", "XS-CF", "XS-CF"};
-constexpr std::size_t kSetUpColumn[] = {5, 2, 1, 3, 4, 0}; // the call that brings a new job to each state
-constexpr std::size_t kColumns = 5;
+constexpr std::string_view kTable[] = {"PQXS-RCF", "PQXS-RCF", "PQXS-PCF", "--XS--CF", "--XS--CF", "--XSQ-CF", "--XS--CF"};
+constexpr std::size_t kSetUpColumn[] = {8, 5, 0, 3, 6, 7, 2}; // the call that brings a new job to each state
 
 struct Cell {
     TransferQueue queue;
@@ -68,14 +70,14 @@ struct Cell {
 TEST(TransferQueueTransitions, EveryCellMovesOrRefusesAsTheTableSaysAndOnlyAMoveRestampsAndNotifies)
 {
     std::deque<Cell> cells;
-    for (std::size_t row = 0; row < kRows.size(); ++row) {
-        for (std::size_t column = 0; column < kColumns; ++column) {
+    for (std::size_t row = 0; row < 7; ++row) {
+        for (std::size_t column = 0; column < 8; ++column) {
             auto& cell = cells.emplace_back();
             cell.id = add(cell.queue);
             ASSERT_TRUE(row == 0 || apply(cell.queue, cell.id, kSetUpColumn[row]));
             cell.queue.observe(0, [&cell](TransferQueueItem const& item) { cell.notified.push_back(item); });
             cell.before = cell.queue.snapshot().front();
-            ASSERT_EQ(cell.before.state, static_cast<JobState>(kLetters.find(kRows[row])));
+            ASSERT_EQ(cell.before.state, static_cast<JobState>(row));
         }
     }
     // Stamps have a resolution of one second: past a second boundary every restamp shows.
@@ -84,13 +86,11 @@ TEST(TransferQueueTransitions, EveryCellMovesOrRefusesAsTheTableSaysAndOnlyAMove
     }
     for (std::size_t i = 0; i < cells.size(); ++i) {
         Cell& cell = cells[i];
-        std::size_t const column = i % kColumns;
-        char const outcome = kTable[i / kColumns][column];
-        SCOPED_TRACE(testing::Message() << "from " << kRows[i / kColumns] << ", column " << column << ", expected "
-                                        << outcome);
-        EXPECT_EQ(apply(cell.queue, cell.id, column), outcome != '-');
+        char const outcome = kTable[i / 8][i % 8];
+        SCOPED_TRACE(testing::Message() << "from " << kLetters[i / 8] << ", column " << i % 8 << ", expected " << outcome);
+        EXPECT_EQ(apply(cell.queue, cell.id, i % 8), outcome != '-');
         // No call knows id 0 or an id never handed out.
-        EXPECT_FALSE(apply(cell.queue, 0, column) || apply(cell.queue, 2, column));
+        EXPECT_FALSE(apply(cell.queue, 0, i % 8) || apply(cell.queue, 2, i % 8));
         auto const after = cell.queue.snapshot().front();
         if (outcome == '-') {
             EXPECT_EQ(after, cell.before);
