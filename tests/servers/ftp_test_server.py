@@ -2,8 +2,8 @@
 """A scriptable FTP server for the tests.
 
 Usage: ftp_test_server.py ROOT CONTROL USER PASSWORD THROTTLE
-CONTROL receives the file "port" once the server listens, and holds the scripted replies
-and command record that tests/support/servers/ftp_test_server.cpp writes and reads.
+CONTROL receives the file "port" once the server listens, and holds the listings, scripted
+replies and command record that tests/support/servers/ftp_test_server.cpp writes and reads.
 """
 
 import logging
@@ -45,6 +45,14 @@ class ScriptedHandler(FTPHandler):
             self.close()
         elif reply != "STALL":
             self.respond(reply)
+
+    def ftp_LIST(self, path):
+        listing = os.path.join(self.control, "lists", self.fs.fs2ftp(path).lstrip("/"), ".listing")
+        if not os.path.exists(listing):
+            return super().ftp_LIST(path)
+        with open(listing, "rb") as f:
+            self.push_dtp_data(f.read(), isproducer=False, cmd="LIST")
+        return path
 
 
 def main():

@@ -20,6 +20,14 @@ FtpTestServer::FtpTestServer(FtpTestServerOptions options)
     port_ = std::stoi(readFile(folder_.file("port")));
 }
 
+void FtpTestServer::setListing(std::string const& folder, std::string const& body)
+{
+    // At the folder's own path below "lists", where the server looks for it.
+    std::filesystem::path const place = folder_.path() / "lists" / std::filesystem::path(folder).relative_path();
+    std::filesystem::create_directories(place);
+    writeFile(place / ".listing", body);
+}
+
 void FtpTestServer::setReply(std::string const& command, std::string const& reply, int times)
 {
     std::ofstream(folder_.file("replies.tsv"), std::ios::app) << command << '\t' << reply << '\t' << times << '\n';

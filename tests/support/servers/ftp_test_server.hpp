@@ -19,8 +19,8 @@ struct FtpTestServerOptions {
 };
 
 // A real FTP server (pyftpdlib) on 127.0.0.1 with a free port, serving a fresh temporary folder
-// as "/" to one user. Tests script it: chosen replies to chosen commands, and the record of
-// every command line it received. Stopped and removed on destruction.
+// as "/" to one user. Tests script it: exact LIST bodies per folder, chosen replies to chosen
+// commands, and the record of every command line it received. Stopped and removed on destruction.
 class FtpTestServer {
 public:
     explicit FtpTestServer(FtpTestServerOptions options = {});
@@ -38,6 +38,8 @@ public:
         return root_ / std::filesystem::path(remotePath).relative_path();
     }
 
+    // A LIST in `folder` ("/", "/a/b") answers with exactly these bytes.
+    void setListing(std::string const& folder, std::string const& body);
     // A command whose whole line equals `command`, or whose verb does ("RNFR", "SITE CHMOD"),
     // is answered with `reply` (e.g. "550 Refused.") instead of being carried out, the first
     // `times` times, or always when times is negative. Whole-line rules win over verb rules.
