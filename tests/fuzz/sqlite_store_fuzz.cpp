@@ -3,6 +3,7 @@
 #include "storage/persistent_store.hpp"
 
 #include <cstring>
+#include <memory>
 #include <sqlite3.h>
 
 using namespace perchftp::storage;
@@ -25,16 +26,17 @@ Snapshot withHostileProfile(Snapshot snapshot, std::uint8_t const* data, std::si
 // different rows (they changed with the memory allocator), so no property can hold there.
 bool soundDatabase(std::string const& path)
 {
-    sqlite3* db = nullptr;
-    sqlite3_stmt* check = nullptr;
-    bool const sound = sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK
-        && sqlite3_prepare_v2(db, "PRAGMA quick_check", -1, &check, nullptr) == SQLITE_OK
-        && sqlite3_step(check) == SQLITE_ROW
-        && sqlite3_column_text(check, 0) != nullptr
-        && std::strcmp(reinterpret_cast<char const*>(sqlite3_column_text(check, 0)), "ok") == 0;
-    sqlite3_finalize(check);
-    sqlite3_close(db);
-    return sound;
+    sqlite3* rawDb = nullptr;
+    sqlite3_open_v2(path.c_str(), &rawDb, SQLITE_OPEN_READONLY, nullptr);
+    std::unique_ptr<sqlite3, decltype(&sqlite3_close)> const db(rawDb, &sqlite3_close);
+    sqlite3_stmt* rawCheck = nullptr;
+    sqlite3_prepare_v2(db.get(), "PRAGMA quick_check", -1, &rawCheck, nullptr);
+    std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> const check(rawCheck, &sqlite3_finalize);
+    if (!check || sqlite3_step(check.get()) != SQLITE_ROW) {
+        return false;
+    }
+    auto const* verdict = reinterpret_cast<char const*>(sqlite3_column_text(check.get(), 0));
+    return verdict && std::strcmp(verdict, "ok") == 0;
 }
 
 } // namespace
