@@ -129,7 +129,10 @@ bool SiteManager::updateSite(int id, SiteProfile const& profile)
     }
     SiteProfile copy = profile;
     normalizeForStorage(copy);
-    if (!isValidProfile(copy) || hasDuplicate(copy, id)) {
+    // Ids read from a file may repeat, and may be -1, which hasDuplicate reads as "leave none
+    // out": only the entry being changed is left out of the duplicate rule, so that no update
+    // can make two entries the same connection, and an entry can always keep its own details.
+    if (!isValidProfile(copy) || duplicatesAnotherEntry(copy, *stored)) {
         return false;
     }
     copy.id = stored->id;
@@ -271,6 +274,14 @@ bool SiteManager::hasDuplicate(SiteProfile const& profile, int excludedId) const
     return std::any_of(sites_.begin(), sites_.end(), [&](SiteProfile const& site) {
         bool const excluded = excludedId != -1 && site.id == excludedId;
         return !excluded && storedConnectionKey(site) == candidate;
+    });
+}
+
+bool SiteManager::duplicatesAnotherEntry(SiteProfile const& profile, SiteProfile const& self) const
+{
+    auto const candidate = candidateConnectionKey(profile);
+    return std::any_of(sites_.begin(), sites_.end(), [&](SiteProfile const& site) {
+        return &site != &self && storedConnectionKey(site) == candidate;
     });
 }
 

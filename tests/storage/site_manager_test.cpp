@@ -118,6 +118,14 @@ TEST(SiteManagerUpdate, ReplacesEverythingButTheIdAndExcludesOnlyTheSiteItselfFr
               "1|Renamed|sftp|c.example|22|ana|pw-99|/home/ana|/srv/www|1|General|100|2|10000|60000|1");
     EXPECT_FALSE(manager.updateSite(id, makeProfile(0, "B.EXAMPLE")));
     EXPECT_FALSE(manager.updateSite(12345, makeProfile(0, "e.example")));
+
+    // Ids loaded from a file may repeat or be -1; still only the entry itself is left out.
+    Snapshot loaded;
+    loaded.profiles = {makeProfile(0, "a.example"), makeProfile(0, "b.example"), makeProfile(-1, "c.example")};
+    SiteManager repeated(loaded);
+    EXPECT_FALSE(repeated.updateSite(0, makeProfile(0, "b.example"))) << "the other entry of id 0 is another site";
+    EXPECT_TRUE(repeated.updateSite(-1, makeProfile(0, "c.example")));
+    EXPECT_EQ(SiteManager(repeated.snapshot()).listSites(), repeated.listSites());
 }
 
 TEST(SiteManagerSnapshot, LoadingKeepsOrderAndOddIdsDropsInvalidOnesAndLetsTheFirstDuplicateWin)
