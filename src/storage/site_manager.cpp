@@ -83,6 +83,15 @@ bool changeIfFound(SiteProfile* site, Change change)
     return true;
 }
 
+// Whether an entry that `leftOut` does not skip is the same connection as the candidate.
+template <typename LeftOut>
+bool sameConnectionAsAnEntry(std::vector<SiteProfile> const& sites, SiteProfile const& candidate, LeftOut leftOut)
+{
+    auto const key = candidateConnectionKey(candidate);
+    return std::any_of(sites.begin(), sites.end(),
+                       [&](SiteProfile const& site) { return !leftOut(site) && storedConnectionKey(site) == key; });
+}
+
 } // namespace
 
 SiteManager::SiteManager(Snapshot snapshot)
@@ -132,7 +141,8 @@ bool SiteManager::updateSite(int id, SiteProfile const& profile)
     // Ids read from a file may repeat, and may be -1, which hasDuplicate reads as "leave none
     // out": only the entry being changed is left out of the duplicate rule, so that no update
     // can make two entries the same connection, and an entry can always keep its own details.
-    if (!isValidProfile(copy) || duplicatesAnotherEntry(copy, *stored)) {
+    auto const isStored = [stored](SiteProfile const& site) { return &site == stored; };
+    if (!isValidProfile(copy) || sameConnectionAsAnEntry(sites_, copy, isStored)) {
         return false;
     }
     copy.id = stored->id;
@@ -270,19 +280,8 @@ bool SiteManager::isValidProfile(SiteProfile const& profile) const
 
 bool SiteManager::hasDuplicate(SiteProfile const& profile, int excludedId) const
 {
-    auto const candidate = candidateConnectionKey(profile);
-    return std::any_of(sites_.begin(), sites_.end(), [&](SiteProfile const& site) {
-        bool const excluded = excludedId != -1 && site.id == excludedId;
-        return !excluded && storedConnectionKey(site) == candidate;
-    });
-}
-
-bool SiteManager::duplicatesAnotherEntry(SiteProfile const& profile, SiteProfile const& self) const
-{
-    auto const candidate = candidateConnectionKey(profile);
-    return std::any_of(sites_.begin(), sites_.end(), [&](SiteProfile const& site) {
-        return &site != &self && storedConnectionKey(site) == candidate;
-    });
+    return sameConnectionAsAnEntry(
+        sites_, profile, [excludedId](SiteProfile const& site) { return excludedId != -1 && site.id == excludedId; });
 }
 
 std::string SiteManager::normalizeText(std::string text) const

@@ -72,8 +72,6 @@ public:
 
 private:
     std::int32_t takeNextId();
-    // hasDuplicate that leaves out exactly one stored entry, whatever ids the others have.
-    bool duplicatesAnotherEntry(SiteProfile const& profile, SiteProfile const& self) const;
 
     std::int32_t nextId_ = 1;
     std::vector<SiteProfile> sites_;
